@@ -1,0 +1,48 @@
+# Shared by the set-up scripts: install what is missing, then configure and build incrementally.
+# Sourced, not run.
+
+set -euo pipefail
+
+VANTOREL_ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+VANTOREL_BUILD="${VANTOREL_BUILD:-$VANTOREL_ROOT/build}"
+
+# Debian 12 packages that building, running and testing Vantorel need.
+VANTOREL_PACKAGES=(
+    g++ cmake ninja-build pkg-config
+    qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
+    libplist-dev
+    fonts-dejavu-core
+)
+
+vantorel_missing_packages() {
+    local missing=()
+    for pkg in "$@"; do
+        if ! dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed"; then
+            missing+=("$pkg")
+        fi
+    done
+    echo "${missing[@]:-}"
+}
+
+vantorel_install_packages() {
+    local missing
+    missing="$(vantorel_missing_packages "$@")"
+    [ -z "$missing" ] && return 0
+    echo "Installing: $missing"
+    local sudo=""
+    if [ "$(id -u)" -ne 0 ]; then
+        sudo="sudo"
+    fi
+    # shellcheck disable=SC2086
+    $sudo env DEBIAN_FRONTEND=noninteractive apt-get update -q
+    # shellcheck disable=SC2086
+    $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
+}
+
+vantorel_build() {
+    vantorel_install_packages "${VANTOREL_PACKAGES[@]}"
+    if [ ! -f "$VANTOREL_BUILD/build.ninja" ]; then
+        cmake -S "$VANTOREL_ROOT" -B "$VANTOREL_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    fi
+    cmake --build "$VANTOREL_BUILD" --parallel
+}

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class AboutBox;
+class ActivityLog;
+class AlertsView;
+class AppCore;
+class GroupView;
+class MainWindow;
+class MoonView;
+class PreferencesPanel;
+class QAction;
+class QStackedWidget;
+class QToolBar;
+class QWidget;
+
+// The application's single controller: it builds the main window with its six views, the
+// preferences panel, the About box and the activity log; runs the start-up and shutdown
+// sequences; and answers the global settings that every view and node reads.
+class AppController : public QObject {
+    Q_OBJECT
+
+public:
+    // The one controller, or none (with a console message) when one exists already.
+    static AppController *create(QObject *parent = nullptr);
+    // The existing controller, made on first use.
+    static AppController *sharedInstance();
+    ~AppController() override;
+
+    // Start-up, once the interface exists.
+    void awakeFromNib();
+    void applicationDidFinishLaunching();
+    void applicationWillTerminate();
+    void windowShouldClose();
+
+    // Options of the command line, applied before start-up.
+    void setDataFolderOverride(const QString &path);
+
+    // Settings read by everyone else.
+    bool isOnline() const;
+    bool logErrorsOnly() const;
+    bool beepOnErrors() const;
+    bool downloadMissingData() const;
+    float timeoutSeconds() const;
+    QString defaultDescription() const { return _defaultDescription; }
+
+    void loadPreferences();
+    void savePreferences();
+    void openPreferencesPanel();
+    void setLogErrorsOnly(bool on);
+    void setBeepOnErrors(bool on);
+    void setDownloadMissingData(bool on);
+    void setSouthernHemisphere(bool on);
+    void setTimeoutValue(int seconds);
+
+    // Views.
+    void initToolbar();
+    void setGroupView(int viewNumber);
+    void attachView(QWidget *view, bool display, bool animate);
+    int lastView() const { return _lastView; }
+    GroupView *selectedGroupView() const { return _selectedGroupView; }
+
+    // Global commands.
+    void runStartupDownloads();
+    void updateAllNodes();
+    void cancelAllDownloads();
+    void startScheduler();
+    void stopScheduler();
+    void goOnline();
+    void goOffline();
+    void toggleOnlineStatus();
+    void openAboutBox();
+
+    QString windowTitle() const;
+    QString dataFolderPath() const;
+
+    AppCore *core() const { return _core; }
+    MainWindow *window() const { return _window; }
+    GroupView *sunView() const { return _sunView; }
+    GroupView *graphView() const { return _graphView; }
+    GroupView *auroraView() const { return _auroraView; }
+    GroupView *earthView() const { return _earthView; }
+    AlertsView *alertsView() const { return _alertsView; }
+    MoonView *moonView() const { return _moonView; }
+    ActivityLog *log() const { return _log; }
+    PreferencesPanel *preferencesPanel() const { return _preferencesPanel; }
+    AboutBox *aboutBox() const { return _aboutBoxWindow; }
+    QToolBar *toolbar() const { return _toolbar; }
+    QList<QWidget *> views() const;
+
+private:
+    explicit AppController(QObject *parent);
+    void buildInterface();
+    void buildMenus();
+    void connectPreferencesPanel();
+    void updateToolbarState();
+    QWidget *viewForNumber(int viewNumber) const;
+
+    AppCore *_core = nullptr;
+    MainWindow *_window = nullptr;
+    QStackedWidget *_content = nullptr;
+    QToolBar *_toolbar = nullptr;
+    QList<QAction *> _toolbarActions;
+
+    GroupView *_sunView = nullptr;
+    GroupView *_graphView = nullptr;
+    GroupView *_auroraView = nullptr;
+    GroupView *_earthView = nullptr;
+    AlertsView *_alertsView = nullptr;
+    MoonView *_moonView = nullptr;
+    QString _defaultDescription;
+    GroupView *_selectedGroupView = nullptr;
+    PreferencesPanel *_preferencesPanel = nullptr;
+    AboutBox *_aboutBoxWindow = nullptr;
+    int _lastView = -1;
+    ActivityLog *_log = nullptr;
+    bool _terminated = false;
+};

@@ -1,0 +1,84 @@
+#include "AppController.h"
+#include "BuildInfo.h"
+#include "CommandLine.h"
+#include "Preferences.h"
+#include "support/SignalQuitter.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+void setApplicationNames()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("Vantorel"));
+    QCoreApplication::setApplicationName(QStringLiteral("Vantorel"));
+    QCoreApplication::setApplicationVersion(QLatin1String(BuildInfo::version));
+}
+
+QStringList argumentList(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
+int runWindow(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    setApplicationNames();
+    QGuiApplication::setDesktopFileName(QStringLiteral("vantorel"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(CommandLine::applicationDescription());
+    CommandLine::addSharedOptions(parser);
+    if (!parser.parse(app.arguments()) || !parser.positionalArguments().isEmpty()) {
+        const QString error = parser.errorText().isEmpty()
+                                  ? QStringLiteral("unknown command \"%1\"")
+                                        .arg(parser.positionalArguments().constFirst())
+                                  : parser.errorText();
+        std::fprintf(stderr, "vantorel: %s\n", qPrintable(error));
+        return CommandLine::UsageError;
+    }
+    QString error;
+    const auto options = CommandLine::readSharedOptions(parser, &error);
+    if (!options) {
+        std::fprintf(stderr, "vantorel: %s\n", qPrintable(error));
+        return CommandLine::UsageError;
+    }
+    CommandLine::applyDefinitionsFolder(*options);
+
+    // Closing the main window quits; an open log or panel must not keep the process alive.
+    QApplication::setQuitOnLastWindowClosed(false);
+    SignalQuitter quitter;
+
+    AppController *controller = AppController::create();
+    if (!options->dataFolder.isEmpty())
+        controller->setDataFolderOverride(options->dataFolder);
+    controller->awakeFromNib();
+    if (options->timeoutSeconds)
+        Preferences::shared().setTimeoutOverride(*options->timeoutSeconds);
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, controller,
+                     &AppController::applicationWillTerminate);
+    QTimer::singleShot(0, controller, &AppController::applicationDidFinishLaunching);
+
+    const int status = app.exec();
+    delete controller;
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (CommandLine::isHeadless(argumentList(argc, argv))) {
+        QCoreApplication app(argc, argv);
+        setApplicationNames();
+        return CommandLine::runHeadless(app.arguments());
+    }
+    return runWindow(argc, argv);
+}

@@ -1,0 +1,143 @@
+#include "DomainGroup.h"
+
+#include "Domain.h"
+#include "nodes/Node.h"
+
+#include <QSettings>
+
+DomainGroup::DomainGroup(QObject *parent) : NodeGroup(QString(), QStringLiteral("-"), parent) {}
+
+DomainGroup::~DomainGroup()
+{
+    // Nodes go before the domains' names and lists, with any transfer they still run.
+    _domains.clear();
+}
+
+bool DomainGroup::loadDomainDataForGroup(const QString &groupName, int groupNumber,
+                                         const QString &dictionaryFileName,
+                                         const QString &dataFolderPath)
+{
+    setGroup(groupName, groupNumber, dataFolderPath);
+    return loadDefinitionFile(dictionaryFileName);
+}
+
+void DomainGroup::setGroup(const QString &groupName, int groupNumber,
+                           const QString &dataFolderPath)
+{
+    _groupName = groupName;
+    _groupNumber = groupNumber;
+    setDataFolderPath(dataFolderPath);
+}
+
+bool DomainGroup::loadDefinitionFile(const QString &dictionaryFileName)
+{
+    const std::optional<QVariantMap> root = readDefinitionFile(dictionaryFileName);
+    if (!root)
+        return false;
+
+    // Indices are probed, not enumerated: Domain0 up to one less than the number of root
+    // entries, and within a domain Node0 up to two less than its entries ("DomainName" counts).
+    const int domainCount = int(root->size());
+    for (int i = 0; i < domainCount; ++i) {
+        const QString domainKey = QStringLiteral("Domain%1").arg(i);
+        const QVariant entry = root->value(domainKey);
+        if (entry.typeId() != QMetaType::QVariantMap)
+            continue;
+        const QVariantMap domainDict = entry.toMap();
+        Domain *domain = createNewDomain(domainDict.value(QStringLiteral("DomainName")).toString());
+        const int nodeCount = int(domainDict.size()) - 1;
+        for (int j = 0; j < nodeCount; ++j) {
+            const QString nodeKey = QStringLiteral("Node%1").arg(j);
+            const QVariant nodeEntry = domainDict.value(nodeKey);
+            if (nodeEntry.typeId() != QMetaType::QVariantMap)
+                continue;
+            addNodeToDomain(domain, nodeEntry.toMap(), domainKey + QLatin1Char('/') + nodeKey);
+        }
+    }
+    return true;
+}
+
+Domain *DomainGroup::createNewDomain(const QString &domainName)
+{
+    auto domain = std::make_unique<Domain>();
+    domain->setDomainName(domainName);
+    _domains.push_back(std::move(domain));
+    return _domains.back().get();
+}
+
+Node *DomainGroup::addNodeToDomain(Domain *domain, const QVariantMap &dict,
+                                   const QString &entryName)
+{
+    std::unique_ptr<Node> node = createNode(dict, entryName);
+    if (!node)
+        return nullptr;
+    return domain->addNode(std::move(node));
+}
+
+QList<Domain *> DomainGroup::domains() const
+{
+    QList<Domain *> result;
+    result.reserve(qsizetype(_domains.size()));
+    for (const auto &domain : _domains)
+        result.append(domain.get());
+    return result;
+}
+
+QList<Node *> DomainGroup::allNodes() const
+{
+    QList<Node *> result;
+    for (const auto &domain : _domains)
+        result.append(domain->nodes());
+    return result;
+}
+
+void DomainGroup::refreshSelectedDomainNodes()
+{
+    if (!_selectedDomain)
+        return;
+    for (Node *node : _selectedDomain->nodes())
+        addNodeToDownloadQueue(node);
+}
+
+void DomainGroup::destroyAllNodes()
+{
+    if (_domains.empty())
+        return;
+    endQueue();
+    for (Node *node : allNodes())
+        node->cleanup();
+}
+
+QString DomainGroup::expandedKey(const QString &domainName)
+{
+    return domainName + QStringLiteral(" Expanded");
+}
+
+int DomainGroup::expansionState(const QString &domainName)
+{
+    return QSettings().value(expandedKey(domainName)).toInt();
+}
+
+void DomainGroup::setExpansionState(const QString &domainName, int state)
+{
+    QSettings().setValue(expandedKey(domainName), state);
+}
+
+DomainGroup::Placeholders DomainGroup::placeholdersForGroup(int groupNumber)
+{
+    // The number is taken as unsigned, so negative numbers fall into "any other".
+    switch (unsigned(groupNumber)) {
+    case 0:
+    case 1:
+        return {QStringLiteral("SplashSolar"), QStringLiteral("DataNotLoadedSolar"),
+                QStringLiteral("DownloadingDataSolar")};
+    case 2:
+        return {QStringLiteral("SplashAurora"), QStringLiteral("DataNotLoadedAurora"),
+                QStringLiteral("DownloadingDataAurora")};
+    case 3:
+        return {QStringLiteral("SplashEarth"), QStringLiteral("DataNotLoadedEarth"),
+                QStringLiteral("DownloadingDataEarth")};
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "NodeGroup.h"
+
+#include <memory>
+#include <vector>
+
+// The Alerts group: one flat list of text-bulletin nodes, read from a definition file whose root
+// holds Node0, Node1 and so on.
+class FlatGroup : public NodeGroup {
+    Q_OBJECT
+
+public:
+    explicit FlatGroup(QObject *parent = nullptr);
+    ~FlatGroup() override;
+
+    // Reads the definition file into nodes. Returns false (after logging "Failed to load
+    // rootDict!") when the file cannot be read; the group then has no nodes.
+    bool loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath);
+    Node *addNewNodeWithDict(const QVariantMap &dict, const QString &entryName = {});
+
+    QList<Node *> nodes() const { return allNodes(); }
+    QList<Node *> allNodes() const override;
+    Node *nodeAt(int index) const;
+    int nodeCount() const { return int(_nodes.size()); }
+    int indexOf(const Node *node) const;
+
+    // The remembered menu index. An index outside the list selects the first node.
+    int lastAlertMenuIndex() const { return _lastAlertMenuIndex; }
+    void setLastAlertMenuIndex(int index) { _lastAlertMenuIndex = index; }
+    // Selects the node at the index (the first one when the index is out of range, none when the
+    // list is empty) and remembers the index actually selected.
+    Node *selectNodeAtIndex(int index);
+
+    // Queues the first node of the list, whatever is selected.
+    void refreshDailyWeatherNode();
+    // Ends the queue, lets every node store its state, then discards the nodes.
+    void destroyAllNodes();
+
+private:
+    std::vector<std::unique_ptr<Node>> _nodes;
+    int _lastAlertMenuIndex = 0;
+};

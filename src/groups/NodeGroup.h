@@ -1,0 +1,87 @@
+#pragma once
+
+#include "DownloadQueue.h"
+#include "nodes/NodeDelegate.h"
+
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <optional>
+
+class LogSink;
+class Node;
+
+// What every data view does with its nodes, without any display: the download queue, the commands
+// that feed and empty it, and the handling of the nodes' events (queue progress and logging). The
+// image groups and the Alerts group derive from it and differ in how they hold their nodes; the
+// views that show them listen to the signals below to redraw.
+class NodeGroup : public QObject, public NodeDelegate {
+    Q_OBJECT
+
+public:
+    NodeGroup(const QString &groupName, const QString &queuedLongStatus, QObject *parent = nullptr);
+    ~NodeGroup() override;
+
+    QString groupName() const { return _groupName; }
+    QString dataFolderPath() const { return _dataFolderPath; }
+    void setLog(LogSink *log) { _log = log; }
+    LogSink *log() const { return _log; }
+
+    // Every node of the group in group order (file order).
+    virtual QList<Node *> allNodes() const = 0;
+
+    // The selection the commands act on. Views set it as the user selects.
+    Node *selectedNode() const { return _selectedNode; }
+    void setSelectedNode(Node *node) { _selectedNode = node; }
+
+    // Queue.
+    void addNodeToDownloadQueue(Node *node);
+    bool nodeIsInDownloadQueue(const Node *node) const;
+    void removeNodeFromDownloadQueue(const Node *node);
+    void checkDownloadQueue();
+    const QList<Node *> &downloadQueue() const { return _queue.nodes(); }
+
+    // Commands.
+    void refreshAllNodeData();
+    void refreshSelectedNodeData();
+    void runScheduledUpdates();
+    void runStartupDownloads();
+    void cancelSelectedNodeDownload();
+    void cancelAllDownloads();
+    void emptyGroupCache();
+
+    // For a node shown without its data file: whether the view should say it is downloading. A
+    // node not yet queued is queued here when the preferences allow missing data to be fetched
+    // and the application is online.
+    bool queueMissingData(Node *node);
+
+    // NodeDelegate.
+    void nodeFileDidLoad(Node *node) override;
+    void nodeDidFailWithError(Node *node, const QString &error) override;
+    void nodeHasMessage(Node *node) override;
+    void nodeDidChangeUpdateSettings(Node *node) override;
+
+signals:
+    void nodeStatusChanged(Node *node);
+    void nodeSettingsChanged(Node *node);
+    void nodeDataLoaded(Node *node);
+    void nodeDownloadFailed(Node *node, const QString &error);
+
+protected:
+    void setDataFolderPath(const QString &path) { _dataFolderPath = path; }
+    // Reads a group definition file by name; logs "Failed to load rootDict!" when it cannot.
+    static std::optional<QVariantMap> readDefinitionFile(const QString &fileName);
+    // A node for a definition entry, or none, with the reason on the console.
+    std::unique_ptr<Node> createNode(const QVariantMap &dict, const QString &entryName);
+    void endQueue() { _queue.end(); }
+    void cancelQueuedNode(Node *node);
+
+    QString _groupName;
+
+private:
+    QString _dataFolderPath;
+    DownloadQueue _queue;
+    Node *_selectedNode = nullptr;
+    LogSink *_log = nullptr;
+};

@@ -1,0 +1,246 @@
+#include "TestEnvironment.h"
+
+#include "alerts/AlertsView.h"
+#include "app/AboutBox.h"
+#include "app/AppController.h"
+#include "app/AppCore.h"
+#include "app/MainWindow.h"
+#include "app/Preferences.h"
+#include "groups/Domain.h"
+#include "groups/DomainGroup.h"
+#include "groups/FlatGroup.h"
+#include "groups/GroupView.h"
+#include "moon/MoonView.h"
+#include "nodes/Node.h"
+#include "support/ActivityLog.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QProcess>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QStandardPaths>
+#include <QtTest>
+
+#include <csignal>
+
+// The application's life: start-up, what it restores, and the orderly shutdown, both when the
+// main window closes and when the process is asked to end by a signal.
+class TestAppController : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void singleInstance();
+    void firstStart();
+    void restoresTheLastView_data();
+    void restoresTheLastView();
+    void offlineAtLaunchQueuesNothing();
+    void southernHemisphereReachesTheMoon();
+    void signalsShutDownInOrder_data();
+    void signalsShutDownInOrder();
+    // Last: it runs the application's event loop to its end.
+    void closingTheWindowQuits();
+
+private:
+    void start()
+    {
+        _controller = AppController::create();
+        QVERIFY(_controller);
+        _controller->awakeFromNib();
+        _controller->applicationDidFinishLaunching();
+    }
+    AppController *_controller = nullptr;
+};
+
+void TestAppController::init()
+{
+    TestEnvironment::resetState();
+}
+
+void TestAppController::cleanup()
+{
+    delete _controller;
+    _controller = nullptr;
+}
+
+void TestAppController::singleInstance()
+{
+    _controller = AppController::create();
+    QCOMPARE(AppController::sharedInstance(), _controller);
+    QTest::ignoreMessage(QtWarningMsg, "Attempt to allocate more than one AppController object!");
+    QVERIFY(!AppController::create());
+    QCOMPARE(AppController::sharedInstance(), _controller);
+}
+
+void TestAppController::firstStart()
+{
+    start();
+    const QString executable = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+    QCOMPARE(_controller->window()->windowTitle(), executable + QStringLiteral(" version 0.1.0"));
+    QCOMPARE(_controller->aboutBox()->versionNumberField()->text(),
+             QStringLiteral("Version Number 0.1.0"));
+
+    QFile description(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR "/DefaultDescription.txt"));
+    QVERIFY(description.open(QIODevice::ReadOnly));
+    QCOMPARE(_controller->defaultDescription(), QString::fromUtf8(description.readAll()));
+
+    const QString dataFolder =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+        QStringLiteral("/Vantorel Data");
+    QCOMPARE(_controller->dataFolderPath(), dataFolder);
+    QVERIFY(QFileInfo(dataFolder).isDir());
+
+    // Every group loaded its bundled file, each node pointing into the data folder.
+    AppCore *core = _controller->core();
+    for (NodeGroup *group : core->groupsInViewOrder()) {
+        QVERIFY2(!group->allNodes().isEmpty(), qPrintable(group->groupName()));
+        QVERIFY(group->allNodes().first()->filePath().startsWith(dataFolder + QLatin1Char('/')));
+    }
+    QCOMPARE(core->sunGroup()->groupName(), QStringLiteral("Sun"));
+    QCOMPARE(core->earthGroup()->groupNumber(), 3);
+    QCOMPARE(_controller->alertsView()->nodeListMenu()->count(),
+             core->alertsGroup()->nodeCount());
+
+    QCOMPARE(_controller->lastView(), 0);
+    auto *stack = qobject_cast<QStackedWidget *>(_controller->window()->centralWidget());
+    QCOMPARE(stack->currentWidget(), _controller->sunView());
+    QCOMPARE(_controller->selectedGroupView(), _controller->sunView());
+    QVERIFY(core->schedulerRunning());
+    QVERIFY(_controller->window()->isVisible());
+    QVERIFY(_controller->isOnline());
+    QCOMPARE(_controller->timeoutSeconds(), 60.0f);
+}
+
+void TestAppController::restoresTheLastView_data()
+{
+    QTest::addColumn<int>("stored");
+    QTest::addColumn<int>("shownIndex");
+    QTest::addColumn<bool>("imageView");
+    QTest::newRow("Graphs") << 1 << 1 << true;
+    QTest::newRow("Alerts") << 4 << 4 << false;
+    QTest::newRow("Moon") << 5 << 5 << false;
+    QTest::newRow("7 shows the Sun") << 7 << 0 << true;
+    QTest::newRow("-1 shows the Sun") << -1 << 0 << true;
+}
+
+void TestAppController::restoresTheLastView()
+{
+    QFETCH(int, stored);
+    QFETCH(int, shownIndex);
+    QFETCH(bool, imageView);
+    QSettings().setValue(QStringLiteral("lastView"), stored);
+    start();
+    auto *stack = qobject_cast<QStackedWidget *>(_controller->window()->centralWidget());
+    QCOMPARE(stack->currentIndex(), shownIndex);
+    QCOMPARE(_controller->selectedGroupView() != nullptr, imageView);
+    QCOMPARE(_controller->lastView(), stored); // kept as it was, and stored so
+    _controller->applicationWillTerminate();
+    QCOMPARE(QSettings().value(QStringLiteral("lastView")).toInt(), stored);
+}
+
+void TestAppController::offlineAtLaunchQueuesNothing()
+{
+    QSettings settings;
+    settings.setValue(QStringLiteral("isOnline"), 0);
+    settings.setValue(QStringLiteral("downloadAtStartupNodeRSGA.txt"), 1);
+    start();
+    QVERIFY(!_controller->isOnline());
+    QVERIFY(_controller->core()->alertsGroup()->downloadQueue().isEmpty());
+    // The timer runs anyway; its ticks do nothing while offline.
+    QVERIFY(_controller->core()->schedulerRunning());
+}
+
+void TestAppController::southernHemisphereReachesTheMoon()
+{
+    QSettings().setValue(QStringLiteral("southernHemisphere"), 1);
+    start();
+    QVERIFY(_controller->moonView()->southernHemisphere());
+    _controller->setSouthernHemisphere(false);
+    QVERIFY(!_controller->moonView()->southernHemisphere());
+}
+
+void TestAppController::signalsShutDownInOrder_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::newRow("SIGTERM") << int(SIGTERM);
+    QTest::newRow("SIGINT") << int(SIGINT);
+}
+
+void TestAppController::signalsShutDownInOrder()
+{
+    QFETCH(int, signalNumber);
+    const QString home = TestEnvironment::makeFolder(QStringLiteral("home"));
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("HOME"), home);
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/.config"));
+    env.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/.local/share"));
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+
+    QDir().mkpath(home + QStringLiteral("/.config/Vantorel"));
+    {
+        QSettings seed(home + QStringLiteral("/.config/Vantorel/Vantorel.conf"),
+                       QSettings::IniFormat);
+        seed.setValue(QStringLiteral("lastView"), 5);
+        seed.setValue(QStringLiteral("timeoutSeconds"), 45);
+    }
+
+    QProcess app;
+    app.setProcessEnvironment(env);
+    app.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    app.start(QStringLiteral(VANTOREL_BINARY), {QStringLiteral("--timeout"), QStringLiteral("2")});
+    QVERIFY(app.waitForStarted());
+    // Let it finish launching before asking it to end.
+    QTest::qWait(1500);
+    QCOMPARE(app.state(), QProcess::Running);
+    ::kill(pid_t(app.processId()), signalNumber);
+    QVERIFY(app.waitForFinished(10000));
+    QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(app.exitCode(), 0);
+
+    QSettings stored(home + QStringLiteral("/.config/Vantorel/Vantorel.conf"), QSettings::IniFormat);
+    QCOMPARE(stored.value(QStringLiteral("lastView")).toInt(), 5);
+    QCOMPARE(stored.value(QStringLiteral("timeoutSeconds")).toInt(), 45); // --timeout is not kept
+    QVERIFY(stored.contains(QStringLiteral("isOnline")));
+    QVERIFY(stored.contains(QStringLiteral("MainWindow")));
+    QVERIFY(stored.contains(QStringLiteral("ActivityLogWindow")));
+    QVERIFY(stored.contains(QStringLiteral("SunViewSplitViewRects")));
+    QVERIFY(stored.contains(QStringLiteral("AlertsViewSize")));
+    QVERIFY(stored.contains(QStringLiteral("MoonViewSize")));
+    QVERIFY(stored.contains(QStringLiteral("lastUpdateForNodeRSGA.txt")));
+    QVERIFY(QFileInfo(home + QStringLiteral("/.local/share/Vantorel Data")).isDir());
+}
+
+void TestAppController::closingTheWindowQuits()
+{
+    start();
+    connect(qApp, &QCoreApplication::aboutToQuit, _controller,
+            &AppController::applicationWillTerminate);
+    TestEnvironment::setNow(QDateTime(QDate(2026, 4, 4), QTime(16, 20)));
+    Node *node = _controller->core()->earthGroup()->allNodes().first();
+    node->setLastUpdateNow();
+    _controller->core()->sunGroup()->allNodes().first()->setAutoUpdates(true);
+
+    QTimer::singleShot(0, _controller->window(), &QWidget::close);
+    QTimer watchdog;
+    watchdog.setSingleShot(true);
+    connect(&watchdog, &QTimer::timeout, qApp, [] { QCoreApplication::exit(99); });
+    watchdog.start(10000);
+    QCOMPARE(QApplication::exec(), 0);
+
+    QSettings settings;
+    QCOMPARE(settings.value(Node::lastUpdateKey(node->fileName())).toString(),
+             QStringLiteral("Saturday, Apr 04 2026 at 04:20 PM"));
+    QVERIFY(settings.contains(QStringLiteral("SunViewSize")));
+    QVERIFY(settings.contains(QStringLiteral("MainWindow")));
+    QCOMPARE(settings.value(QStringLiteral("lastView")).toInt(), 0);
+    QVERIFY(!_controller->core()->schedulerRunning());
+}
+
+VANTOREL_TEST_MAIN(TestAppController)
+#include "test_appcontroller.moc"

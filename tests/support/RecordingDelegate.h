@@ -1,0 +1,32 @@
+#pragma once
+
+#include "nodes/Node.h"
+#include "nodes/NodeDelegate.h"
+
+#include <QStringList>
+
+// Writes down every callback a node sends, with the node's status at that moment, so tests can
+// check both what was reported and in which order relative to the status changes.
+class RecordingDelegate : public NodeDelegate {
+public:
+    QStringList events;
+    QStringList failures;
+    int loads = 0;
+
+    void nodeHasMessage(Node *node) override
+    {
+        events << QStringLiteral("status %1|%2").arg(node->itemStatus(), node->longStatus());
+    }
+    void nodeDidChangeUpdateSettings(Node *) override { events << QStringLiteral("settings"); }
+    void nodeFileDidLoad(Node *node) override
+    {
+        ++loads;
+        events << QStringLiteral("loaded downloading=%1").arg(node->isDownloading());
+    }
+    void nodeDidFailWithError(Node *node, const QString &error) override
+    {
+        failures << error;
+        events << QStringLiteral("failed downloading=%1").arg(node->isDownloading());
+    }
+    QStringList statuses() const { return events.filter(QStringLiteral("status ")); }
+};

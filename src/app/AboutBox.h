@@ -3,8 +3,10 @@
 #include <QDialog>
 
 class QLabel;
+class QPushButton;
 
 // The About box: the application's name, its version line and links to the project's pages.
+// Each link asks the controller to open its address; the controller then closes the box.
 class AboutBox : public QDialog {
     Q_OBJECT
 
@@ -12,7 +14,16 @@ public:
     explicit AboutBox(QWidget *parent = nullptr);
 
     QLabel *versionNumberField() const { return _aboutBoxVersionNumberField; }
+    QPushButton *linkButton(int index) const;
+
+signals:
+    void authorHomePageRequested();
+    void mailRequested();
+    void donationRequested();
+    void relatedSiteOneRequested();
+    void relatedSiteTwoRequested();
 
 private:
     QLabel *_aboutBoxVersionNumberField;
+    QList<QPushButton *> _links;
 };

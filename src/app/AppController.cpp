@@ -1,6 +1,7 @@
 #include "AppController.h"
 
 #include "AboutBox.h"
+#include "AboutLinks.h"
 #include "AppCore.h"
 #include "BuildInfo.h"
 #include "MainWindow.h"
@@ -19,11 +20,14 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QNetworkAccessManager>
 #include <QScreen>
 #include <QSettings>
@@ -101,6 +105,15 @@ void AppController::buildInterface()
     _preferencesPanel = new PreferencesPanel(_window);
     _aboutBoxWindow = new AboutBox(_window);
     connectPreferencesPanel();
+    connect(_aboutBoxWindow, &AboutBox::authorHomePageRequested, this,
+            &AppController::openAuthorHomePageLink);
+    connect(_aboutBoxWindow, &AboutBox::mailRequested, this, &AppController::openMailtoLink);
+    connect(_aboutBoxWindow, &AboutBox::donationRequested, this,
+            &AppController::openDonationLink);
+    connect(_aboutBoxWindow, &AboutBox::relatedSiteOneRequested, this,
+            &AppController::openRelatedSiteOneLink);
+    connect(_aboutBoxWindow, &AboutBox::relatedSiteTwoRequested, this,
+            &AppController::openRelatedSiteTwoLink);
     buildMenus();
 
     for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
@@ -471,6 +484,74 @@ void AppController::startScheduler()
 void AppController::stopScheduler()
 {
     _core->stopScheduler();
+}
+
+void AppController::runAllScheduledUpdates()
+{
+    _core->runAllScheduledUpdates();
+}
+
+std::unique_ptr<QMessageBox> AppController::makeEmptyCacheAlert(QWidget *parent)
+{
+    auto alert = std::make_unique<QMessageBox>(parent);
+    alert->setIcon(QMessageBox::Warning);
+    alert->setWindowTitle(tr("Empty Cache"));
+    alert->setText(QStringLiteral("Do you really want to empty the Vantorel cache?"));
+    alert->setInformativeText(QStringLiteral("This will require all data to be reloaded before "
+                                             "being viewed, and all current downloads will be "
+                                             "stopped."));
+    QPushButton *empty = alert->addButton(QStringLiteral("Empty"), QMessageBox::AcceptRole);
+    alert->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    alert->setDefaultButton(empty);
+    alert->setWindowModality(Qt::WindowModal);
+    return alert;
+}
+
+void AppController::emptyCache()
+{
+    const std::unique_ptr<QMessageBox> alert = makeEmptyCacheAlert(_window);
+    alert->exec();
+    if (alert->clickedButton() != alert->defaultButton())
+        return;
+    _core->emptyGroupCaches();
+}
+
+void AppController::viewDataSourceLinkClicked(const QString &address)
+{
+    const QUrl url = QUrl::fromUserInput(address.trimmed());
+    if (url.isValid() && !address.trimmed().isEmpty())
+        QDesktopServices::openUrl(url);
+}
+
+void AppController::openAboutLink(const QUrl &address)
+{
+    QDesktopServices::openUrl(address);
+    _aboutBoxWindow->close();
+}
+
+void AppController::openAuthorHomePageLink()
+{
+    openAboutLink(AboutLinks::authorHomePage());
+}
+
+void AppController::openMailtoLink()
+{
+    openAboutLink(AboutLinks::mail());
+}
+
+void AppController::openDonationLink()
+{
+    openAboutLink(AboutLinks::donation());
+}
+
+void AppController::openRelatedSiteOneLink()
+{
+    openAboutLink(AboutLinks::relatedSiteOne());
+}
+
+void AppController::openRelatedSiteTwoLink()
+{
+    openAboutLink(AboutLinks::relatedSiteTwo());
 }
 
 void AppController::goOnline()

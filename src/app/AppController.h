@@ -4,6 +4,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
+
 class AboutBox;
 class ActivityLog;
 class AlertsView;
@@ -13,6 +15,8 @@ class MainWindow;
 class MoonView;
 class PreferencesPanel;
 class QAction;
+class QMessageBox;
+class QUrl;
 class QStackedWidget;
 class QToolBar;
 class QWidget;
@@ -69,10 +73,23 @@ public:
     void cancelAllDownloads();
     void startScheduler();
     void stopScheduler();
+    void runAllScheduledUpdates();
     void goOnline();
     void goOffline();
     void toggleOnlineStatus();
+    // Asks the user first (the alert's default button empties, the other cancels).
+    void emptyCache();
+    // The alert emptyCache() shows, for a caller that wants to present it.
+    static std::unique_ptr<QMessageBox> makeEmptyCacheAlert(QWidget *parent);
+    // Opens the address that a data-source link shows.
+    void viewDataSourceLinkClicked(const QString &address);
+
     void openAboutBox();
+    void openAuthorHomePageLink();
+    void openMailtoLink();
+    void openDonationLink();
+    void openRelatedSiteOneLink();
+    void openRelatedSiteTwoLink();
 
     QString windowTitle() const;
     QString dataFolderPath() const;
@@ -98,6 +115,7 @@ private:
     void connectPreferencesPanel();
     void updateToolbarState();
     QWidget *viewForNumber(int viewNumber) const;
+    void openAboutLink(const QUrl &address);
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;

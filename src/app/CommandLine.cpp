@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "BuildInfo.h"
+#include "FetchCommand.h"
 #include "ResourceLocator.h"
 
 #include <QCommandLineParser>
@@ -32,7 +33,7 @@ bool isHelpOrVersion(const QString &argument)
 
 QStringList CommandLine::commandNames()
 {
-    return {};
+    return {QStringLiteral("fetch")};
 }
 
 QString CommandLine::applicationDescription()
@@ -119,6 +120,9 @@ int CommandLine::runHeadless(const QStringList &arguments)
     const QString command = arguments.value(1);
     if (command.isEmpty() || command.startsWith(QLatin1Char('-')))
         return printHelp(arguments);
+    const QStringList rest = arguments.mid(2);
+    if (command == QLatin1String("fetch"))
+        return FetchCommand::run(rest);
     printText(stderr, QStringLiteral("vantorel: unknown command \"%1\"\n").arg(command));
     return UsageError;
 }
@@ -127,6 +131,10 @@ int CommandLine::printHelp(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(applicationDescription());
+    parser.addPositionalArgument(
+        QStringLiteral("command"),
+        QStringLiteral("fetch: download groups once and exit (vantorel fetch --help)."),
+        QStringLiteral("[command]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     addSharedOptions(parser);

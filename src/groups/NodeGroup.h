@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DownloadQueue.h"
+#include "nodes/Node.h"
 #include "nodes/NodeDelegate.h"
 
 #include <QObject>
@@ -10,7 +11,6 @@
 #include <optional>
 
 class LogSink;
-class Node;
 
 // What every data view does with its nodes, without any display: the download queue, the commands
 // that feed and empty it, and the handling of the nodes' events (queue progress and logging). The

@@ -14,7 +14,12 @@
 #include "nodes/Node.h"
 #include "support/ActivityLog.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDesktopServices>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrlQuery>
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
@@ -42,6 +47,9 @@ private slots:
     void restoresTheLastView();
     void offlineAtLaunchQueuesNothing();
     void southernHemisphereReachesTheMoon();
+    void emptyCacheAsksFirst_data();
+    void emptyCacheAsksFirst();
+    void aboutLinksOpenThenClose();
     void signalsShutDownInOrder_data();
     void signalsShutDownInOrder();
     // Last: it runs the application's event loop to its end.
@@ -163,6 +171,93 @@ void TestAppController::southernHemisphereReachesTheMoon()
     QVERIFY(_controller->moonView()->southernHemisphere());
     _controller->setSouthernHemisphere(false);
     QVERIFY(!_controller->moonView()->southernHemisphere());
+}
+
+namespace {
+
+// Stands in for the desktop's browser and mail program.
+class UrlCatcher : public QObject {
+    Q_OBJECT
+public:
+    QList<QUrl> opened;
+    Q_INVOKABLE void open(const QUrl &url) { opened << url; }
+};
+
+} // namespace
+
+void TestAppController::emptyCacheAsksFirst_data()
+{
+    QTest::addColumn<bool>("confirm");
+    QTest::newRow("Cancel changes nothing") << false;
+    QTest::newRow("Empty deletes every data file") << true;
+}
+
+void TestAppController::emptyCacheAsksFirst()
+{
+    QFETCH(bool, confirm);
+    start();
+    QList<Node *> nodes;
+    for (NodeGroup *group : _controller->core()->groupsInViewOrder())
+        nodes << group->allNodes().first();
+    for (Node *node : nodes) {
+        QFile file(node->filePath());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+
+    QString text;
+    QString informative;
+    QStringList buttons;
+    QTimer::singleShot(0, this, [&] {
+        auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(alert);
+        text = alert->text();
+        informative = alert->informativeText();
+        for (QAbstractButton *button : alert->buttons())
+            buttons << button->text();
+        QCOMPARE(alert->defaultButton()->text(), QStringLiteral("Empty"));
+        for (QAbstractButton *button : alert->buttons()) {
+            if (button->text() == (confirm ? QLatin1String("Empty") : QLatin1String("Cancel")))
+                button->click();
+        }
+    });
+    _controller->emptyCache();
+
+    QCOMPARE(text, QStringLiteral("Do you really want to empty the Vantorel cache?"));
+    QCOMPARE(informative, QStringLiteral("This will require all data to be reloaded before being "
+                                         "viewed, and all current downloads will be stopped."));
+    buttons.sort();
+    QCOMPARE(buttons, QStringList({"Cancel", "Empty"}));
+    for (Node *node : nodes)
+        QCOMPARE(node->fileDownloaded(), !confirm);
+}
+
+void TestAppController::aboutLinksOpenThenClose()
+{
+    start();
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler(QStringLiteral("https"), &catcher, "open");
+    QDesktopServices::setUrlHandler(QStringLiteral("mailto"), &catcher, "open");
+    const QList<void (AppController::*)()> actions = {
+        &AppController::openAuthorHomePageLink, &AppController::openMailtoLink,
+        &AppController::openDonationLink, &AppController::openRelatedSiteOneLink,
+        &AppController::openRelatedSiteTwoLink};
+    for (auto action : actions) {
+        _controller->openAboutBox();
+        QVERIFY(_controller->aboutBox()->isVisible());
+        (_controller->*action)();
+        QVERIFY(!_controller->aboutBox()->isVisible());
+    }
+    QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+    QDesktopServices::unsetUrlHandler(QStringLiteral("mailto"));
+
+    QCOMPARE(catcher.opened.size(), 5);
+    QCOMPARE(catcher.opened[1].scheme(), QStringLiteral("mailto"));
+    QCOMPARE(QUrlQuery(catcher.opened[1]).queryItemValue(QStringLiteral("subject")),
+             QStringLiteral("Vantorel"));
+    QCOMPARE(QUrlQuery(catcher.opened[2]).queryItemValue(QStringLiteral("currency_code")),
+             QStringLiteral("USD"));
+    for (const QUrl &url : catcher.opened)
+        QVERIFY(url.isValid());
 }
 
 void TestAppController::signalsShutDownInOrder_data()

@@ -1,0 +1,167 @@
+#include "TestHttpServer.h"
+
+#include <QTcpSocket>
+#include <QTimer>
+
+TestHttpServer::TestHttpServer(QObject *parent) : QObject(parent)
+{
+    connect(&_server, &QTcpServer::newConnection, this, &TestHttpServer::accept);
+    if (!_server.listen(QHostAddress::LocalHost, 0))
+        qFatal("test server cannot listen on the loopback interface");
+}
+
+TestHttpServer::~TestHttpServer()
+{
+    // The sockets die with the listening server; they must not report back to a half-destroyed
+    // object on the way.
+    const QList<QTcpSocket *> sockets = _buffers.keys();
+    for (QTcpSocket *socket : sockets) {
+        socket->disconnect(this);
+        socket->abort();
+    }
+    _buffers.clear();
+    _server.close();
+}
+
+QByteArray TestHttpServer::bytes(int size, char seed)
+{
+    QByteArray data(size, Qt::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        data[i] = char(seed + i % 23);
+    return data;
+}
+
+void TestHttpServer::route(const QByteArray &path, const Script &script)
+{
+    _routes.insert(path, script);
+}
+
+void TestHttpServer::serve(const QByteArray &path, const QByteArray &body)
+{
+    Script script;
+    script.chunks = {body};
+    route(path, script);
+}
+
+QString TestHttpServer::baseUrl() const
+{
+    return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());
+}
+
+QString TestHttpServer::url(const QByteArray &path) const
+{
+    return baseUrl() + QString::fromLatin1(path.startsWith('/') ? path.mid(1) : path);
+}
+
+int TestHttpServer::openConnections() const
+{
+    return int(_buffers.size());
+}
+
+void TestHttpServer::accept()
+{
+    while (QTcpSocket *socket = _server.nextPendingConnection()) {
+        _buffers.insert(socket, QByteArray());
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { readRequest(socket); });
+        connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+            _buffers.remove(socket);
+            socket->deleteLater();
+        });
+    }
+}
+
+void TestHttpServer::readRequest(QTcpSocket *socket)
+{
+    auto it = _buffers.find(socket);
+    if (it == _buffers.end())
+        return;
+    it->append(socket->readAll());
+    const qsizetype end = it->indexOf("\r\n\r\n");
+    if (end < 0)
+        return;
+    const QList<QByteArray> lines = it->left(end).split('\n');
+    it->clear();
+    const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
+    const QByteArray path = requestLine.value(1);
+    QHash<QByteArray, QByteArray> headers;
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        const qsizetype colon = lines[i].indexOf(':');
+        if (colon > 0)
+            headers.insert(lines[i].left(colon).trimmed().toLower(), lines[i].mid(colon + 1).trimmed());
+    }
+    _requests[path] += 1;
+    _lastHeaders.insert(path, headers);
+    answer(socket, path);
+}
+
+void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
+{
+    Script script;
+    if (_routes.contains(path)) {
+        script = _routes.value(path);
+    } else {
+        script.status = 404;
+        script.reason = "Not Found";
+        script.chunks = {"no such file"};
+    }
+    if (script.stallForever)
+        return;
+
+    QPointer<QTcpSocket> guarded(socket);
+    const auto sendHead = [this, guarded, script] {
+        if (!guarded)
+            return;
+        qint64 total = 0;
+        for (const QByteArray &chunk : script.chunks)
+            total += chunk.size();
+        QByteArray head = "HTTP/1.1 " + QByteArray::number(script.status) + ' ' + script.reason +
+                          "\r\nConnection: close\r\nContent-Type: application/octet-stream\r\n";
+        const qint64 declared = script.declaredLength.value_or(total);
+        if (declared >= 0)
+            head += "Content-Length: " + QByteArray::number(declared) + "\r\n";
+        if (!script.location.isEmpty())
+            head += "Location: " + script.location + "\r\n";
+        for (const auto &header : script.extraHeaders)
+            head += header.first + ": " + header.second + "\r\n";
+        head += "\r\n";
+        guarded->write(head);
+        guarded->flush();
+        if (script.stallAfterHeaders)
+            return;
+        sendChunks(guarded, script, 0);
+    };
+    if (script.firstByteDelayMs > 0)
+        QTimer::singleShot(script.firstByteDelayMs, this, sendHead);
+    else
+        sendHead();
+}
+
+void TestHttpServer::sendChunks(QPointer<QTcpSocket> socket, Script script, int index)
+{
+    if (!socket)
+        return;
+    if (index >= script.chunks.size()) {
+        finish(socket, script);
+        return;
+    }
+    socket->write(script.chunks.at(index));
+    socket->flush();
+    if (script.pauseMs > 0 && index + 1 < script.chunks.size()) {
+        QTimer::singleShot(script.pauseMs, this,
+                           [this, socket, script, index] { sendChunks(socket, script, index + 1); });
+    } else {
+        sendChunks(socket, script, index + 1);
+    }
+}
+
+void TestHttpServer::finish(QPointer<QTcpSocket> socket, const Script &script)
+{
+    if (!socket)
+        return;
+    if (script.abortAfterChunks) {
+        socket->flush();
+        socket->abort();
+        return;
+    }
+    socket->disconnectFromHost();
+}

@@ -5,6 +5,7 @@
 class ActivityLog;
 class FlatGroup;
 class Node;
+class NodeScheduler;
 class QComboBox;
 class QLabel;
 class QPlainTextEdit;
@@ -30,6 +31,7 @@ public:
     void saveFrameSize();
     void destroyAllNodes();
     void cleanup();
+    void setNodeSchedulerWindow(NodeScheduler *sheet) { _nodeSchedulerWindow = sheet; }
 
     FlatGroup *group() const { return _group; }
     QComboBox *nodeListMenu() const { return _nodeListMenu; }
@@ -46,4 +48,5 @@ private:
     QPushButton *_refreshButton = nullptr;
     QPushButton *_cancelNodeDownloadButton = nullptr;
     QPushButton *_scheduleNodeButton = nullptr;
+    NodeScheduler *_nodeSchedulerWindow = nullptr;
 };

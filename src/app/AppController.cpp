@@ -13,6 +13,7 @@
 #include "groups/GroupView.h"
 #include "moon/MoonView.h"
 #include "nodes/NetworkAccess.h"
+#include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
 #include "support/NamedImage.h"
 
@@ -104,6 +105,11 @@ void AppController::buildInterface()
 
     _preferencesPanel = new PreferencesPanel(_window);
     _aboutBoxWindow = new AboutBox(_window);
+    // One schedule sheet serves every data view.
+    _nodeScheduler = new NodeScheduler(_window);
+    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
+        view->setNodeSchedulerWindow(_nodeScheduler);
+    _alertsView->setNodeSchedulerWindow(_nodeScheduler);
     connectPreferencesPanel();
     connect(_aboutBoxWindow, &AboutBox::authorHomePageRequested, this,
             &AppController::openAuthorHomePageLink);

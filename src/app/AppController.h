@@ -13,6 +13,7 @@ class AppCore;
 class GroupView;
 class MainWindow;
 class MoonView;
+class NodeScheduler;
 class PreferencesPanel;
 class QAction;
 class QMessageBox;
@@ -105,6 +106,7 @@ public:
     ActivityLog *log() const { return _log; }
     PreferencesPanel *preferencesPanel() const { return _preferencesPanel; }
     AboutBox *aboutBox() const { return _aboutBoxWindow; }
+    NodeScheduler *nodeScheduler() const { return _nodeScheduler; }
     QToolBar *toolbar() const { return _toolbar; }
     QList<QWidget *> views() const;
 
@@ -133,6 +135,7 @@ private:
     GroupView *_selectedGroupView = nullptr;
     PreferencesPanel *_preferencesPanel = nullptr;
     AboutBox *_aboutBoxWindow = nullptr;
+    NodeScheduler *_nodeScheduler = nullptr;
     int _lastView = -1;
     ActivityLog *_log = nullptr;
     bool _terminated = false;

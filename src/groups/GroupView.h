@@ -8,6 +8,7 @@ class Domain;
 class DomainGroup;
 class GroupOutlineModel;
 class Node;
+class NodeScheduler;
 class QLabel;
 class QPushButton;
 class QSplitter;
@@ -32,6 +33,7 @@ public:
     void saveFrameSize();
     void destroyAllNodes();
     void cleanup();
+    void setNodeSchedulerWindow(NodeScheduler *sheet) { _nodeSchedulerWindow = sheet; }
 
     DomainGroup *group() const { return _group; }
     GroupOutlineModel *outlineModel() const { return _model; }
@@ -83,4 +85,5 @@ private:
     QPushButton *_revealImageButton = nullptr;
     QPushButton *_scheduleNodeButton = nullptr;
     QPushButton *_refreshDomainButton = nullptr;
+    NodeScheduler *_nodeSchedulerWindow = nullptr;
 };

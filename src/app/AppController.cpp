@@ -122,8 +122,11 @@ void AppController::buildInterface()
             &AppController::openRelatedSiteTwoLink);
     buildMenus();
 
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
+    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
         view->awakeFromNib();
+        connect(view, &GroupView::dataSourceLinkClicked, this,
+                &AppController::viewDataSourceLinkClicked);
+    }
     _alertsView->awakeFromNib();
     _moonView->awakeFromNib();
     _log->awakeFromNib();
@@ -211,6 +214,9 @@ void AppController::awakeFromNib()
         qWarning().noquote() << "Cannot read" << description.fileName();
         _defaultDescription = tr("<p>Select an item from the list to see it here.</p>");
     }
+
+    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
+        view->setDefaultDescription(_defaultDescription);
 
     const QString dataFolder = _core->prepareDataFolder();
 
@@ -520,6 +526,18 @@ void AppController::emptyCache()
     if (alert->clickedButton() != alert->defaultButton())
         return;
     _core->emptyGroupCaches();
+}
+
+void AppController::zoomSelectedNodeData()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->zoomSelectedNodeData();
+}
+
+void AppController::saveSelectedNodeData()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->saveNodeImage();
 }
 
 void AppController::viewDataSourceLinkClicked(const QString &address)

@@ -82,6 +82,9 @@ public:
     void emptyCache();
     // The alert emptyCache() shows, for a caller that wants to present it.
     static std::unique_ptr<QMessageBox> makeEmptyCacheAlert(QWidget *parent);
+    // Act on the image view shown, if any.
+    void zoomSelectedNodeData();
+    void saveSelectedNodeData();
     // Opens the address that a data-source link shows.
     void viewDataSourceLinkClicked(const QString &address);
 

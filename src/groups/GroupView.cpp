@@ -1,13 +1,23 @@
 #include "GroupView.h"
 
+#include "DescriptionText.h"
 #include "Domain.h"
 #include "DomainGroup.h"
 #include "GroupOutlineModel.h"
+#include "ImageController.h"
+#include "OutlineSelectionModel.h"
+#include "ScaledImage.h"
 #include "SplitLayout.h"
+#include "nodes/Node.h"
+#include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
+#include "support/FileManager.h"
 #include "support/GeometryText.h"
 #include "support/NamedImage.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -23,14 +33,24 @@ GroupView::GroupView(DomainGroup *group, ActivityLog *log, QWidget *parent)
     : QWidget(parent), _group(group), _model(new GroupOutlineModel(group, this)), _log(log)
 {
     buildInterface();
+    connectGroup();
 }
 
 GroupView::~GroupView() = default;
+
+// --- Interface --------------------------------------------------------------------------------
 
 void GroupView::buildInterface()
 {
     _domainsList = new QTreeView;
     _domainsList->setModel(_model);
+    auto *selection = new OutlineSelectionModel(_model, _domainsList);
+    selection->setWillSelect([this](const QModelIndex &index) {
+        outlineShouldSelectItem(_model->itemForIndex(index));
+    });
+    _domainsList->setSelectionModel(selection);
+    _domainsList->setSelectionMode(QAbstractItemView::SingleSelection);
+    _domainsList->setSelectionBehavior(QAbstractItemView::SelectRows);
     _domainsList->setUniformRowHeights(true);
     _domainsList->setAllColumnsShowFocus(true);
     _domainsList->setExpandsOnDoubleClick(false);
@@ -57,6 +77,7 @@ void GroupView::buildInterface()
     _dataSourceField->setTextInteractionFlags(Qt::TextSelectableByMouse);
     _lastUpdatedField = new QLabel;
     _lastUpdatedField->setWordWrap(true);
+    _lastUpdatedField->setForegroundRole(QPalette::PlaceholderText);
 
     _imageView = new QLabel;
     _imageView->setAlignment(Qt::AlignCenter);
@@ -69,6 +90,7 @@ void GroupView::buildInterface()
 
     _nodeDescriptionTextField = new QTextBrowser;
     _nodeDescriptionTextField->setOpenExternalLinks(true);
+    _nodeDescriptionTextField->setOpenLinks(true);
 
     auto *detailSplit = new QSplitter(Qt::Vertical);
     detailSplit->addWidget(imageScroller);
@@ -78,10 +100,15 @@ void GroupView::buildInterface()
     detailSplit->setChildrenCollapsible(false);
 
     _refreshImageButton = new QPushButton(tr("Reload"));
+    _refreshImageButton->setToolTip(tr("Download this item again"));
     _cancelDownloadButton = new QPushButton(tr("Cancel"));
+    _cancelDownloadButton->setToolTip(tr("Stop downloading this item"));
     _scheduleNodeButton = new QPushButton(tr("Schedule…"));
+    _scheduleNodeButton->setToolTip(tr("When this item is downloaded by itself"));
     _zoomImageButton = new QPushButton(tr("Zoom"));
+    _zoomImageButton->setToolTip(tr("Open the image in a window of its own"));
     _revealImageButton = new QPushButton(tr("Show File"));
+    _revealImageButton->setToolTip(tr("Show the downloaded file in the file manager"));
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(_refreshImageButton);
     buttons->addWidget(_cancelDownloadButton);
@@ -114,12 +141,32 @@ void GroupView::buildInterface()
 
     connect(_domainsList, &QTreeView::expanded, this, &GroupView::userExpanded);
     connect(_domainsList, &QTreeView::collapsed, this, &GroupView::userCollapsed);
+    connect(_domainsList->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &GroupView::outlineSelectionDidChange);
+
+    connect(_refreshImageButton, &QPushButton::clicked, this, &GroupView::refreshSelectedNodeData);
+    connect(_refreshDomainButton, &QPushButton::clicked, this,
+            &GroupView::refreshSelectedDomainNodes);
+    connect(_cancelDownloadButton, &QPushButton::clicked, this,
+            &GroupView::cancelSelectedNodeDownload);
+    connect(_scheduleNodeButton, &QPushButton::clicked, this,
+            &GroupView::openScheduleWindowForNode);
+    connect(_zoomImageButton, &QPushButton::clicked, this, &GroupView::zoomSelectedNodeData);
+    connect(_revealImageButton, &QPushButton::clicked, this, &GroupView::revealSelectedNodeData);
+}
+
+void GroupView::connectGroup()
+{
+    connect(_group, &NodeGroup::nodeStatusChanged, this, &GroupView::nodeStatusChanged);
+    connect(_group, &NodeGroup::nodeSettingsChanged, this, &GroupView::nodeSettingsChanged);
+    connect(_group, &NodeGroup::nodeDataLoaded, this, &GroupView::nodeDataLoaded);
 }
 
 void GroupView::awakeFromNib()
 {
     // Nine points per level, in this screen's pixels.
     _domainsList->setIndentation(qRound(9.0 * logicalDpiX() / 72.0));
+    connect(_domainsList, &QTreeView::doubleClicked, this, &GroupView::domainListDoubleClicked);
 }
 
 QString GroupView::groupName() const
@@ -141,6 +188,13 @@ QString GroupView::splitViewRectsKey() const
 {
     return groupName() + QStringLiteral("ViewSplitViewRects");
 }
+
+QString GroupView::lastNodeViewedKey() const
+{
+    return groupName() + QStringLiteral(" LastNodeViewed");
+}
+
+// --- Loading and layout -----------------------------------------------------------------------
 
 void GroupView::loadDomainDataForGroup(const QString &groupName, int groupNumber,
                                        const QString &dictionaryFileName,
@@ -165,14 +219,6 @@ void GroupView::loadPlaceholderImages(int groupNumber)
     _splashImage = NamedImage::pixmap(names.splash, dpr);
     _noDataImage = NamedImage::pixmap(names.noData, dpr);
     _downloadingImage = NamedImage::pixmap(names.downloading, dpr);
-}
-
-void GroupView::showImage(const QPixmap &image)
-{
-    if (image.isNull())
-        _imageView->clear();
-    else
-        _imageView->setPixmap(image);
 }
 
 void GroupView::restoreExpansion()
@@ -206,8 +252,8 @@ void GroupView::userCollapsed(const QModelIndex &index)
 
 void GroupView::applicationDidFinishLaunching()
 {
-    showImage(_splashImage);
-    _nodeTitleField->setText(tr("Please select an item from the list."));
+    updateInterfaceForSelection();
+    clearDescriptionField();
 }
 
 void GroupView::loadFrameSize()
@@ -220,6 +266,8 @@ void GroupView::loadFrameSize()
     if (!_splitView)
         return;
     const QStringList stored = settings.value(splitViewRectsKey()).toStringList();
+    if (stored.isEmpty())
+        return;
     QList<QRect> current;
     for (int i = 0; i < _splitView->count(); ++i)
         current.append(_splitView->widget(i)->geometry());
@@ -229,8 +277,7 @@ void GroupView::loadFrameSize()
     QList<int> sizes;
     for (const QRect &rect : restored)
         sizes.append(std::max(0, sideBySide ? rect.width() : rect.height()));
-    if (!stored.isEmpty())
-        _splitView->setSizes(sizes);
+    _splitView->setSizes(sizes);
 }
 
 void GroupView::saveFrameSize()
@@ -258,4 +305,319 @@ void GroupView::cleanup()
 {
     saveFrameSize();
     destroyAllNodes();
+    destroyAllImageWindows();
+}
+
+// --- Selection --------------------------------------------------------------------------------
+
+bool GroupView::outlineShouldSelectItem(OutlineItem *item)
+{
+    if (!item || !item->isNode()) {
+        _group->setSelectedNode(nullptr);
+        _group->setSelectedDomain(item ? static_cast<Domain *>(item) : nullptr);
+        setLastNodeViewed(QString());
+        showSplash();
+        clearDescriptionField();
+        updateInterfaceForSelection();
+        return true;
+    }
+
+    auto *node = static_cast<Node *>(item);
+    _group->setSelectedDomain(nullptr);
+    if (node == _group->selectedNode()) {
+        updateInterfaceForSelection();
+        return true;
+    }
+    _group->setSelectedNode(node);
+    setLastNodeViewed(node->itemName());
+    displayImageForNode(node);
+    displayDescriptionForNode(node);
+    updateInterfaceForSelection();
+    return true;
+}
+
+void GroupView::outlineSelectionDidChange()
+{
+    if (_domainsList->selectionModel()->hasSelection())
+        return;
+    _group->setSelectedNode(nullptr);
+    _group->setSelectedDomain(nullptr);
+    showSplash();
+    updateInterfaceForSelection();
+    clearDescriptionField();
+}
+
+void GroupView::domainListDoubleClicked()
+{
+    if (!_domainsList->selectionModel()->hasSelection())
+        return;
+    if (Node *node = _group->selectedNode()) {
+        if (node->fileDownloaded())
+            zoomSelectedNodeData();
+        return;
+    }
+    if (Domain *domain = _group->selectedDomain()) {
+        const QModelIndex index = _model->indexForDomain(domain);
+        if (_domainsList->isExpanded(index))
+            _domainsList->collapse(index);
+        else
+            _domainsList->expand(index);
+    }
+}
+
+bool GroupView::hasSelectedNode() const
+{
+    return _group->selectedNode() != nullptr;
+}
+
+Node *GroupView::selectedNode() const
+{
+    return _group->selectedNode();
+}
+
+Domain *GroupView::selectedDomain() const
+{
+    return _group->selectedDomain();
+}
+
+void GroupView::setLastNodeViewed(const QString &name)
+{
+    QSettings().setValue(lastNodeViewedKey(), name);
+}
+
+// --- Display ----------------------------------------------------------------------------------
+
+void GroupView::showImage(const QPixmap &image)
+{
+    _shownImage = image;
+    if (image.isNull())
+        _imageView->clear();
+    else
+        _imageView->setPixmap(image);
+}
+
+void GroupView::showSplash()
+{
+    showImage(_splashImage);
+}
+
+void GroupView::updateInterfaceForSelection()
+{
+    Node *node = _group->selectedNode();
+    const bool downloaded = node && node->fileDownloaded();
+    _cancelDownloadButton->setEnabled(node && _group->nodeIsInDownloadQueue(node));
+    _refreshImageButton->setEnabled(node != nullptr);
+    _zoomImageButton->setEnabled(downloaded);
+    _revealImageButton->setEnabled(downloaded);
+    _scheduleNodeButton->setEnabled(node != nullptr);
+    _refreshDomainButton->setEnabled(!node && _group->selectedDomain());
+
+    if (!node) {
+        _nodeTitleField->setText(QStringLiteral("Please select an item from the list."));
+        _dataSourceField->setText(QString());
+        _lastUpdatedField->setText(QString());
+        return;
+    }
+    _nodeTitleField->setText(node->nodeTitle());
+    _dataSourceField->setText(node->dataSource());
+    if (node->autoUpdates())
+        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1, Next Update: %2")
+                                       .arg(node->lastUpdate(), node->nextUpdate()));
+    else
+        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
+}
+
+void GroupView::displayImageForNode(Node *node)
+{
+    if (node->fileDownloaded()) {
+        const QPixmap image = getScaledImageFromFileAtPath(node->filePath());
+        if (!image.isNull()) {
+            showImage(image);
+            updateImageWindowForNode(node);
+            updateInterfaceForSelection();
+            return;
+        }
+        showImage(_noDataImage);
+    } else {
+        // Queued already, or queued now when missing data is fetched: either way it is coming.
+        showImage(_group->queueMissingData(node) ? _downloadingImage : _noDataImage);
+    }
+    updateInterfaceForSelection();
+}
+
+QPixmap GroupView::getScaledImageFromFileAtPath(const QString &path) const
+{
+    return ScaledImage::fromFile(path, devicePixelRatioF());
+}
+
+bool GroupView::showHtml(const QString &html)
+{
+    // Qt's HTML reader takes anything; there is no failure to leave the view unchanged for.
+    _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(html));
+    return true;
+}
+
+void GroupView::displayDescriptionForNode(Node *node)
+{
+    if (!_nodeDescriptionTextField)
+        return;
+    if (!node || !DescriptionText::isShowable(node->itemDescription())) {
+        clearDescriptionField();
+        return;
+    }
+    showHtml(node->itemDescription());
+}
+
+void GroupView::clearDescriptionField()
+{
+    if (_nodeDescriptionTextField)
+        showHtml(_defaultDescription);
+}
+
+// --- Node events ------------------------------------------------------------------------------
+
+void GroupView::nodeStatusChanged(Node *node)
+{
+    _model->refreshNode(node);
+    if (node == _group->selectedNode())
+        updateInterfaceForSelection();
+}
+
+void GroupView::nodeSettingsChanged(Node *node)
+{
+    if (node == _group->selectedNode())
+        updateInterfaceForSelection();
+}
+
+void GroupView::nodeDataLoaded(Node *node)
+{
+    if (node == _group->selectedNode())
+        displayImageForNode(node);
+}
+
+// --- Commands ---------------------------------------------------------------------------------
+
+void GroupView::refreshSelectedNodeData()
+{
+    _group->refreshSelectedNodeData();
+}
+
+void GroupView::refreshSelectedDomainNodes()
+{
+    _group->refreshSelectedDomainNodes();
+}
+
+void GroupView::cancelSelectedNodeDownload()
+{
+    _group->cancelSelectedNodeDownload();
+}
+
+void GroupView::openScheduleWindowForNode()
+{
+    Node *node = _group->selectedNode();
+    if (!node || !_nodeSchedulerWindow)
+        return;
+    _nodeSchedulerWindow->setMyNode(node);
+    disconnect(_nodeSchedulerWindow, &QDialog::finished, nullptr, nullptr);
+    connect(_nodeSchedulerWindow, &QDialog::finished, this, &GroupView::schedulerDidEnd);
+    _nodeSchedulerWindow->open();
+}
+
+void GroupView::schedulerDidEnd(int returnCode)
+{
+    Q_UNUSED(returnCode);
+    if (_nodeSchedulerWindow)
+        _nodeSchedulerWindow->hide();
+}
+
+void GroupView::zoomSelectedNodeData()
+{
+    Node *node = _group->selectedNode();
+    if (node && node->fileType() == 0)
+        openImageWindowForNode(node);
+}
+
+void GroupView::revealSelectedNodeData()
+{
+    Node *node = _group->selectedNode();
+    if (node && node->fileType() == 0)
+        FileManager::revealFile(node->filePath());
+}
+
+void GroupView::saveNodeImage()
+{
+    Node *node = _group->selectedNode();
+    if (!node || node->fileType() != 0)
+        return;
+    auto *panel = new QFileDialog(window(), tr("Save a Copy"),
+                                  QDir::home().filePath(node->fileName()));
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setAcceptMode(QFileDialog::AcceptSave);
+    panel->setFileMode(QFileDialog::AnyFile);
+    panel->setWindowModality(Qt::WindowModal);
+    panel->selectFile(node->fileName());
+    connect(panel, &QFileDialog::finished, this, [this, panel](int result) {
+        const QStringList chosen = panel->selectedFiles();
+        savePanelDidEnd(result, chosen.value(0));
+    });
+    panel->open();
+}
+
+void GroupView::savePanelDidEnd(int returnCode, const QString &chosenPath)
+{
+    if (returnCode != QDialog::Accepted || chosenPath.isEmpty())
+        return;
+    Node *node = _group->selectedNode();
+    if (!node || node->fileType() != 0 || !node->fileDownloaded())
+        return;
+    // The dialog has already asked before replacing an existing file.
+    if (QFileInfo::exists(chosenPath) && QFileInfo(chosenPath) != QFileInfo(node->filePath()))
+        QFile::remove(chosenPath);
+    QFile::copy(node->filePath(), chosenPath);
+}
+
+// --- Image windows ----------------------------------------------------------------------------
+
+void GroupView::openImageWindowForNode(Node *node)
+{
+    if (!node->fileDownloaded())
+        return;
+    if (ImageController *existing = imageWindowForNode(node)) {
+        existing->updateWithOpen(true);
+        return;
+    }
+    std::unique_ptr<ImageController> controller =
+        ImageController::create(node->filePath(), node->itemName(), node->dataSource(), node, this);
+    if (controller)
+        _imageWindows.push_back(std::move(controller));
+}
+
+ImageController *GroupView::imageWindowForNode(const Node *node) const
+{
+    for (const auto &controller : _imageWindows) {
+        if (controller->node() == node)
+            return controller.get();
+    }
+    return nullptr;
+}
+
+void GroupView::updateImageWindowForNode(Node *node)
+{
+    if (!node->fileDownloaded())
+        return;
+    if (ImageController *controller = imageWindowForNode(node))
+        controller->updateWithOpen(false);
+}
+
+void GroupView::destroyAllImageWindows()
+{
+    _imageWindows.clear();
+}
+
+void GroupView::imageWindowDidExit(ImageController *controller)
+{
+    const auto it = std::find_if(_imageWindows.begin(), _imageWindows.end(),
+                                 [controller](const auto &c) { return c.get() == controller; });
+    if (it != _imageWindows.end())
+        _imageWindows.erase(it);
 }

@@ -3,20 +3,27 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <memory>
+#include <vector>
+
 class ActivityLog;
 class Domain;
 class DomainGroup;
 class GroupOutlineModel;
+class ImageController;
 class Node;
 class NodeScheduler;
+class OutlineItem;
 class QLabel;
+class QModelIndex;
 class QPushButton;
 class QSplitter;
 class QTextBrowser;
 class QTreeView;
 
 // One image group on screen (Sun, Graphs, Aurora or Earth): the outline of its domains and nodes
-// beside the selected node's picture, title, source, update times and description.
+// beside the selected node's picture, title, source, update times and description, with the
+// buttons that act on the selection and the node's floating image windows.
 class GroupView : public QWidget {
     Q_OBJECT
 
@@ -34,43 +41,99 @@ public:
     void destroyAllNodes();
     void cleanup();
     void setNodeSchedulerWindow(NodeScheduler *sheet) { _nodeSchedulerWindow = sheet; }
+    // The page shown while no node is selected (HTML).
+    void setDefaultDescription(const QString &html) { _defaultDescription = html; }
+
+    // Selection, as the outline reports it.
+    bool outlineShouldSelectItem(OutlineItem *item);
+    void outlineSelectionDidChange();
+    void domainListDoubleClicked();
+    bool hasSelectedNode() const;
+    Node *selectedNode() const;
+    Domain *selectedDomain() const;
+
+    // Display.
+    void updateInterfaceForSelection();
+    void displayImageForNode(Node *node);
+    void displayDescriptionForNode(Node *node);
+    void clearDescriptionField();
+    QPixmap getScaledImageFromFileAtPath(const QString &path) const;
+    void setLastNodeViewed(const QString &name);
+
+    // Commands of the buttons.
+    void refreshSelectedNodeData();
+    void refreshSelectedDomainNodes();
+    void cancelSelectedNodeDownload();
+    void openScheduleWindowForNode();
+    void schedulerDidEnd(int returnCode);
+    void zoomSelectedNodeData();
+    void revealSelectedNodeData();
+    void saveNodeImage();
+    void savePanelDidEnd(int returnCode, const QString &chosenPath);
+
+    // Image windows.
+    void openImageWindowForNode(Node *node);
+    ImageController *imageWindowForNode(const Node *node) const;
+    void updateImageWindowForNode(Node *node);
+    void destroyAllImageWindows();
+    void imageWindowDidExit(ImageController *controller);
 
     DomainGroup *group() const { return _group; }
     GroupOutlineModel *outlineModel() const { return _model; }
     QTreeView *domainsList() const { return _domainsList; }
     QSplitter *splitView() const { return _splitView; }
     QLabel *imageView() const { return _imageView; }
+    QTextBrowser *descriptionView() const { return _nodeDescriptionTextField; }
+    QLabel *nodeTitleField() const { return _nodeTitleField; }
+    QLabel *dataSourceField() const { return _dataSourceField; }
+    QLabel *lastUpdatedField() const { return _lastUpdatedField; }
+    QPushButton *cancelDownloadButton() const { return _cancelDownloadButton; }
+    QPushButton *refreshImageButton() const { return _refreshImageButton; }
+    QPushButton *zoomImageButton() const { return _zoomImageButton; }
+    QPushButton *revealImageButton() const { return _revealImageButton; }
+    QPushButton *scheduleNodeButton() const { return _scheduleNodeButton; }
+    QPushButton *refreshDomainButton() const { return _refreshDomainButton; }
 
     QString groupName() const;
     int groupNumber() const;
     // The size and split-view keys of this group.
     QString viewSizeKey() const;
     QString splitViewRectsKey() const;
+    QString lastNodeViewedKey() const;
 
     const QPixmap &splashImage() const { return _splashImage; }
     const QPixmap &noDataImage() const { return _noDataImage; }
     const QPixmap &downloadingImage() const { return _downloadingImage; }
+    const QPixmap &shownImage() const { return _shownImage; }
 
-protected:
-    // Expansion done by the program itself (restoring it at start-up) is not the user's choice
-    // and must not be remembered as one.
-    bool _restoringExpansion = false;
+signals:
+    // The data-source line was clicked; the address is its text.
+    void dataSourceLinkClicked(const QString &address);
 
 private:
     void buildInterface();
+    void connectGroup();
     void loadPlaceholderImages(int groupNumber);
     void showImage(const QPixmap &image);
+    void showSplash();
     void restoreExpansion();
     void userExpanded(const QModelIndex &index);
     void userCollapsed(const QModelIndex &index);
+    bool showHtml(const QString &html);
+    void nodeStatusChanged(Node *node);
+    void nodeSettingsChanged(Node *node);
+    void nodeDataLoaded(Node *node);
 
     DomainGroup *_group;
     GroupOutlineModel *_model;
     ActivityLog *_log;
+    std::vector<std::unique_ptr<ImageController>> _imageWindows;
+    QString _defaultDescription;
 
     QPixmap _noDataImage;
     QPixmap _downloadingImage;
     QPixmap _splashImage;
+    QPixmap _shownImage;
 
     QTreeView *_domainsList = nullptr;
     QSplitter *_splitView = nullptr;
@@ -86,4 +149,7 @@ private:
     QPushButton *_scheduleNodeButton = nullptr;
     QPushButton *_refreshDomainButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
+    // Restoring the expansion at start-up is not the user's choice and must not be remembered
+    // as one; a double click that toggles a domain is, and is remembered.
+    bool _restoringExpansion = false;
 };

@@ -10,6 +10,7 @@
 #include "groups/DomainGroup.h"
 #include "groups/FlatGroup.h"
 #include "groups/GroupView.h"
+#include "groups/ImageController.h"
 #include "moon/MoonView.h"
 #include "nodes/Node.h"
 #include "support/ActivityLog.h"
@@ -22,6 +23,8 @@
 #include <QUrlQuery>
 #include <QComboBox>
 #include <QDir>
+#include <QFileDialog>
+#include <QImage>
 #include <QFileInfo>
 #include <QLabel>
 #include <QProcess>
@@ -47,6 +50,7 @@ private slots:
     void restoresTheLastView();
     void offlineAtLaunchQueuesNothing();
     void southernHemisphereReachesTheMoon();
+    void forwardedCommandsNeedAnImageView();
     void emptyCacheAsksFirst_data();
     void emptyCacheAsksFirst();
     void aboutLinksOpenThenClose();
@@ -184,6 +188,33 @@ public:
 };
 
 } // namespace
+
+void TestAppController::forwardedCommandsNeedAnImageView()
+{
+    start();
+    GroupView *sun = _controller->sunView();
+    Node *node = _controller->core()->sunGroup()->allNodes().first();
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QVERIFY(image.save(node->filePath(), "PNG"));
+    sun->outlineShouldSelectItem(node);
+
+    for (int view : {4, 5}) {
+        _controller->setGroupView(view);
+        QVERIFY(!_controller->selectedGroupView());
+        _controller->zoomSelectedNodeData();
+        _controller->saveSelectedNodeData();
+        QVERIFY(!sun->imageWindowForNode(node));
+        QVERIFY(!_controller->window()->findChild<QFileDialog *>());
+    }
+    _controller->setGroupView(0);
+    _controller->zoomSelectedNodeData();
+    QVERIFY(sun->imageWindowForNode(node));
+    _controller->saveSelectedNodeData();
+    auto *panel = _controller->window()->findChild<QFileDialog *>();
+    QVERIFY(panel);
+    panel->reject();
+}
 
 void TestAppController::emptyCacheAsksFirst_data()
 {

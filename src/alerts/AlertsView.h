@@ -13,6 +13,8 @@ class QPushButton;
 
 // The Alerts view: a menu of the text bulletins and the selected one, reformatted for reading,
 // with its status, its update times and the controls that reload, cancel and schedule it.
+// The nodes, their queue and the choice of what the report area says live in the group; the
+// view shows them and turns the user's clicks into the group's commands.
 class AlertsView : public QWidget {
     Q_OBJECT
 
@@ -25,19 +27,46 @@ public:
 
     // Restores the size and the remembered menu index.
     void awakeFromNib();
+    // Reads the group's nodes, fills the menu and shows the remembered report.
     void loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath);
     void createMenuItemsForNodes();
     void loadFrameSize();
     void saveFrameSize();
     void destroyAllNodes();
+    // At termination: the nodes store their state and go, then the layout is stored.
     void cleanup();
     void setNodeSchedulerWindow(NodeScheduler *sheet) { _nodeSchedulerWindow = sheet; }
 
+    // Display.
+    void selectNodeFromList();
+    void setTextForSelectedNode(Node *node);
+    void setTextViewText(const QString &text);
+    void clearTextViewText();
+    void updateInterfaceForSelection();
+
+    // The view's own commands; the group-wide ones reach the group from the application.
+    void refreshSelectedNodeData();
+    void refreshDailyWeatherNode();
+    void cancelSelectedNodeDownload();
+    void openScheduleWindowForNode();
+    void schedulerDidEnd(int returnCode);
+
     FlatGroup *group() const { return _group; }
+    Node *selectedNode() const;
     QComboBox *nodeListMenu() const { return _nodeListMenu; }
+    QPlainTextEdit *nodeDataTextView() const { return _nodeDataTextView; }
+    QLabel *nodeStatusField() const { return _nodeStatusField; }
+    QLabel *nodeLastUpdateField() const { return _nodeLastUpdateField; }
+    QPushButton *refreshButton() const { return _refreshButton; }
+    QPushButton *dailyReportButton() const { return _dailyReportButton; }
+    QPushButton *cancelNodeDownloadButton() const { return _cancelNodeDownloadButton; }
+    QPushButton *scheduleNodeButton() const { return _scheduleNodeButton; }
 
 private:
     void buildInterface();
+    void connectGroup();
+    void nodeStatusChanged(Node *node);
+    void nodeDataLoaded(Node *node);
 
     FlatGroup *_group;
     ActivityLog *_log;
@@ -46,7 +75,9 @@ private:
     QPlainTextEdit *_nodeDataTextView = nullptr;
     QLabel *_nodeStatusField = nullptr;
     QPushButton *_refreshButton = nullptr;
+    QPushButton *_dailyReportButton = nullptr;
     QPushButton *_cancelNodeDownloadButton = nullptr;
     QPushButton *_scheduleNodeButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
+    QMetaObject::Connection _sheetEnd;
 };

@@ -2,6 +2,7 @@
 
 #include "BuildInfo.h"
 #include "FetchCommand.h"
+#include "alerts/ReportCommand.h"
 #include "ResourceLocator.h"
 
 #include <QCommandLineParser>
@@ -33,7 +34,7 @@ bool isHelpOrVersion(const QString &argument)
 
 QStringList CommandLine::commandNames()
 {
-    return {QStringLiteral("fetch")};
+    return {QStringLiteral("fetch"), QStringLiteral("report")};
 }
 
 QString CommandLine::applicationDescription()
@@ -123,6 +124,8 @@ int CommandLine::runHeadless(const QStringList &arguments)
     const QStringList rest = arguments.mid(2);
     if (command == QLatin1String("fetch"))
         return FetchCommand::run(rest);
+    if (command == QLatin1String("report"))
+        return ReportCommand::run(rest);
     printText(stderr, QStringLiteral("vantorel: unknown command \"%1\"\n").arg(command));
     return UsageError;
 }
@@ -133,7 +136,8 @@ int CommandLine::printHelp(const QStringList &arguments)
     parser.setApplicationDescription(applicationDescription());
     parser.addPositionalArgument(
         QStringLiteral("command"),
-        QStringLiteral("fetch: download groups once and exit (vantorel fetch --help)."),
+        QStringLiteral("fetch: download groups once and exit; report: print a bulletin. "
+                       "\"vantorel COMMAND --help\" tells more."),
         QStringLiteral("[command]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();

@@ -1,5 +1,6 @@
 #include "FlatGroup.h"
 
+#include "alerts/BulletinFile.h"
 #include "nodes/Node.h"
 
 FlatGroup::FlatGroup(QObject *parent)
@@ -73,6 +74,53 @@ Node *FlatGroup::selectNodeAtIndex(int index)
     _lastAlertMenuIndex = index;
     setSelectedNode(_nodes[size_t(index)].get());
     return selectedNode();
+}
+
+QString FlatGroup::notLoadedText()
+{
+    return QStringLiteral("Data not loaded. Press \"Reload\" to download current data.");
+}
+
+QString FlatGroup::downloadingText()
+{
+    return QStringLiteral("Downloading data, please wait...");
+}
+
+QString FlatGroup::textForSelectedNode(Node *node)
+{
+    if (!node)
+        return QString();
+    if (node->fileDownloaded())
+        return storedReportText(node).value_or(notLoadedText());
+    return queueMissingData(node) ? downloadingText() : notLoadedText();
+}
+
+std::optional<QString> FlatGroup::storedReportText(const Node *node, const QString &dataFileName)
+{
+    if (!node->fileDownloaded())
+        return std::nullopt;
+    return BulletinFile::reportText(node->filePath(),
+                                    dataFileName.isEmpty() ? node->fileName() : dataFileName);
+}
+
+Node *FlatGroup::nodeNamed(const QString &name) const
+{
+    const auto find = [this](auto matches) -> Node * {
+        for (const auto &node : _nodes) {
+            if (matches(node.get()))
+                return node.get();
+        }
+        return nullptr;
+    };
+    if (Node *node = find([&](const Node *n) { return n->fileName() == name; }))
+        return node;
+    if (Node *node = find([&](const Node *n) {
+            return n->fileName().compare(name, Qt::CaseInsensitive) == 0;
+        }))
+        return node;
+    return find([&](const Node *n) {
+        return !n->nodeTitle().isEmpty() && n->nodeTitle().compare(name, Qt::CaseInsensitive) == 0;
+    });
 }
 
 void FlatGroup::refreshDailyWeatherNode()

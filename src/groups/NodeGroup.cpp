@@ -27,7 +27,10 @@ bool NodeGroup::nodeIsInDownloadQueue(const Node *node) const
 
 void NodeGroup::removeNodeFromDownloadQueue(const Node *node)
 {
+    if (!_queue.contains(node))
+        return;
     _queue.remove(node);
+    emit nodeLeftDownloadQueue(node);
 }
 
 void NodeGroup::checkDownloadQueue()

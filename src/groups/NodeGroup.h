@@ -67,6 +67,9 @@ signals:
     void nodeSettingsChanged(Node *node);
     void nodeDataLoaded(Node *node);
     void nodeDownloadFailed(Node *node, const QString &error);
+    // A node left the queue (finished, failed or cancelled). Cancelling changes the node's status
+    // while it is still queued, so a view that shows whether a node is queued listens to this too.
+    void nodeLeftDownloadQueue(const Node *node);
 
 protected:
     void setDataFolderPath(const QString &path) { _dataFolderPath = path; }

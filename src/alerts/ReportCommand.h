@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QStringList>
+
+// "vantorel report NAME": prints a bulletin exactly as the Alerts view shows it, in UTF-8 on
+// standard output. NAME is a file (reformatted by its own name, or by --as FILENAME) or a report
+// of the Alerts group, named by its data file name or its title, whose stored copy is printed.
+// "vantorel report --list" lists the reports. Exit code 0 when a bulletin was printed, 1 when
+// there is none to print (the reason on standard error), 2 for a usage error. Needs no display.
+class ReportCommand {
+public:
+    // The arguments after the command word; a QCoreApplication must exist.
+    static int run(const QStringList &arguments);
+};

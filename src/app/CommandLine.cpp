@@ -3,6 +3,7 @@
 #include "BuildInfo.h"
 #include "FetchCommand.h"
 #include "alerts/ReportCommand.h"
+#include "moon/MoonCommand.h"
 #include "ResourceLocator.h"
 
 #include <QCommandLineParser>
@@ -34,7 +35,7 @@ bool isHelpOrVersion(const QString &argument)
 
 QStringList CommandLine::commandNames()
 {
-    return {QStringLiteral("fetch"), QStringLiteral("report")};
+    return {QStringLiteral("fetch"), QStringLiteral("report"), QStringLiteral("moon")};
 }
 
 QString CommandLine::applicationDescription()
@@ -126,6 +127,8 @@ int CommandLine::runHeadless(const QStringList &arguments)
         return FetchCommand::run(rest);
     if (command == QLatin1String("report"))
         return ReportCommand::run(rest);
+    if (command == QLatin1String("moon"))
+        return MoonCommand::run(rest);
     printText(stderr, QStringLiteral("vantorel: unknown command \"%1\"\n").arg(command));
     return UsageError;
 }
@@ -136,8 +139,8 @@ int CommandLine::printHelp(const QStringList &arguments)
     parser.setApplicationDescription(applicationDescription());
     parser.addPositionalArgument(
         QStringLiteral("command"),
-        QStringLiteral("fetch: download groups once and exit; report: print a bulletin. "
-                       "\"vantorel COMMAND --help\" tells more."),
+        QStringLiteral("fetch: download groups once and exit; report: print a bulletin; moon: "
+                       "describe the Moon. \"vantorel COMMAND --help\" tells more."),
         QStringLiteral("[command]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();

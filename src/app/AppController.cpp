@@ -4,12 +4,14 @@
 #include "AboutLinks.h"
 #include "AppCore.h"
 #include "BuildInfo.h"
+#include "MainToolbar.h"
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "PreferencesPanel.h"
 #include "ResourceLocator.h"
 #include "ToolbarItems.h"
 #include "alerts/AlertsView.h"
+#include "groups/FlatGroup.h"
 #include "groups/GroupView.h"
 #include "moon/MoonView.h"
 #include "nodes/NetworkAccess.h"
@@ -35,7 +37,6 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QStyle>
-#include <QToolBar>
 
 #include <cmath>
 #include <limits>
@@ -126,12 +127,13 @@ void AppController::buildInterface()
         view->awakeFromNib();
         connect(view, &GroupView::dataSourceLinkClicked, this,
                 &AppController::viewDataSourceLinkClicked);
+        connect(view, &GroupView::selectionChanged, this, &AppController::validateMenus);
     }
     _alertsView->awakeFromNib();
     _moonView->awakeFromNib();
     _log->awakeFromNib();
 
-    connect(_core, &AppCore::onlineStateChanged, this, &AppController::updateToolbarState);
+    connect(_core, &AppCore::onlineStateChanged, this, &AppController::onlineStateChanged);
 }
 
 QList<QWidget *> AppController::views() const
@@ -142,31 +144,119 @@ QList<QWidget *> AppController::views() const
 void AppController::buildMenus()
 {
     QMenuBar *bar = _window->menuBar();
+    const auto add = [this](QMenu *menu, const QString &text, auto slot,
+                            const QKeySequence &shortcut = {}, int tag = -1) {
+        QAction *action = menu->addAction(text);
+        connect(action, &QAction::triggered, this, slot);
+        if (!shortcut.isEmpty())
+            action->setShortcut(shortcut);
+        if (tag >= 0)
+            action->setData(tag);
+        _menuItems.append(action);
+        return action;
+    };
 
     QMenu *file = bar->addMenu(tr("&File"));
-    QAction *quit = file->addAction(tr("&Quit"), qApp, &QCoreApplication::quit);
-    quit->setShortcut(QKeySequence::Quit);
+    add(file, tr("&Save a Copy…"), &AppController::saveSelectedNodeData, QKeySequence::SaveAs, 767);
+    file->addSeparator();
+    QAction *quit = add(file, tr("&Quit"), [] { QCoreApplication::quit(); }, QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
+
+    QMenu *edit = bar->addMenu(tr("&Edit"));
+    QAction *prefs = add(edit, tr("&Preferences…"), &AppController::openPreferencesPanel,
+                         QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    prefs->setMenuRole(QAction::PreferencesRole);
 
     QMenu *view = bar->addMenu(tr("&View"));
     const QStringList names = ToolbarItems::selectableItemIdentifiers();
     for (int i = 0; i < names.size(); ++i) {
-        QAction *action = view->addAction(names[i], this, [this, i] { setGroupView(i); });
-        action->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + i)));
-        action->setData(i);
+        QAction *item = view->addAction(ToolbarItems::item(names[i])->label);
+        item->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + i)));
+        item->setData(i);
+        connect(item, &QAction::triggered, this, [this, item] { setGroupViewFromMenu(item); });
+        _menuItems.append(item);
     }
+    view->addSeparator();
+    add(view, tr("Customize &Toolbar…"), &AppController::runToolbarConfig);
+
+    QMenu *data = bar->addMenu(tr("&Data"));
+    _updateAllItem = add(data, tr("&Update All"), &AppController::updateAllNodes,
+                         QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    add(data, tr("&Cancel All Downloads"), &AppController::cancelAllDownloads,
+        QKeySequence(Qt::CTRL | Qt::Key_Period));
+    data->addSeparator();
+    _goOnlineItem = add(data, tr("Go &Online"), &AppController::goOnline);
+    _goOfflineItem = add(data, tr("Go O&ffline"), &AppController::goOffline);
+    data->addSeparator();
+    add(data, tr("&Empty Cache…"), &AppController::emptyCache);
+
+    QMenu *node = bar->addMenu(tr("&Node"));
+    add(node, tr("&Reload"), &AppController::refreshSelectedNodeData, QKeySequence::Refresh);
+    add(node, tr("&Zoom Image"), &AppController::zoomSelectedNodeData,
+        QKeySequence(Qt::CTRL | Qt::Key_I), 766);
+    add(node, tr("Reveal in &File Manager"), &AppController::revealSelectedNodeData);
+    add(node, tr("&Schedule…"), &AppController::openScheduleWindowForSelectedNode);
 
     QMenu *window = bar->addMenu(tr("&Window"));
-    window->addAction(tr("Activity &Log"), _log, &ActivityLog::openLogWindow);
-    window->addAction(tr("&Clear Log"), _log, &ActivityLog::clearLog);
-    QAction *prefs = window->addAction(tr("&Preferences…"), this,
-                                       &AppController::openPreferencesPanel);
-    prefs->setShortcut(QKeySequence::Preferences);
-    prefs->setMenuRole(QAction::PreferencesRole);
+    add(window, tr("Activity &Log"), [this] { _log->openLogWindow(); },
+        QKeySequence(Qt::CTRL | Qt::Key_L));
+    add(window, tr("&Clear Log"), [this] { _log->clearLog(); });
 
     QMenu *help = bar->addMenu(tr("&Help"));
-    QAction *about = help->addAction(tr("&About Vantorel"), this, &AppController::openAboutBox);
+    QAction *about = add(help, tr("&About Vantorel"), &AppController::openAboutBox);
     about->setMenuRole(QAction::AboutRole);
+
+    for (QMenu *menu : {file, edit, view, data, node, window, help})
+        connect(menu, &QMenu::aboutToShow, this, &AppController::validateMenus);
+}
+
+QAction *AppController::menuItem(int tag) const
+{
+    for (QAction *item : _menuItems) {
+        if (item->data().isValid() && item->data().toInt() == tag)
+            return item;
+    }
+    return nullptr;
+}
+
+bool AppController::validateMenuItem(QAction *item) const
+{
+    const int tag = item->data().isValid() ? item->data().toInt() : -1;
+    if (tag == 766 || tag == 767)
+        return _selectedGroupView && _selectedGroupView->hasSelectedNode();
+    return true;
+}
+
+void AppController::validateMenus()
+{
+    for (QAction *item : std::as_const(_menuItems))
+        item->setEnabled(validateMenuItem(item));
+    // The online commands follow the same rule as their toolbar items.
+    _goOnlineItem->setEnabled(validateToolbarItem(QStringLiteral("Online")));
+    _goOfflineItem->setEnabled(validateToolbarItem(QStringLiteral("Offline")));
+    _updateAllItem->setEnabled(validateToolbarItem(QStringLiteral("Update")));
+}
+
+void AppController::refreshSelectedNodeData()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->refreshSelectedNodeData();
+    else if (_content->currentWidget() == _alertsView)
+        _alertsView->refreshSelectedNodeData();
+}
+
+void AppController::revealSelectedNodeData()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->revealSelectedNodeData();
+}
+
+void AppController::openScheduleWindowForSelectedNode()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->openScheduleWindowForNode();
+    else if (_content->currentWidget() == _alertsView)
+        _alertsView->openScheduleWindowForNode();
 }
 
 void AppController::connectPreferencesPanel()
@@ -391,53 +481,44 @@ void AppController::setTimeoutValue(int seconds)
 
 void AppController::initToolbar()
 {
-    _toolbar = new QToolBar(tr("Toolbar"), _window);
-    _toolbar->setObjectName(QStringLiteral("toolbar"));
-    _toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    _toolbar->setMovable(false);
-    _window->addToolBar(_toolbar);
-
-    for (const QString &identifier : ToolbarItems::defaultItemIdentifiers()) {
-        if (ToolbarItems::isStandard(identifier)) {
-            if (identifier == QLatin1String(ToolbarItems::kFlexibleSpace)) {
-                auto *spacer = new QWidget;
-                spacer->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-                _toolbar->addWidget(spacer);
-            } else if (identifier == QLatin1String(ToolbarItems::kSeparator)) {
-                _toolbar->addSeparator();
-            }
-            continue;
-        }
-        const auto item = ToolbarItems::item(identifier);
-        QAction *action = _toolbar->addAction(NamedImage::icon(item->image), item->label);
-        action->setObjectName(identifier);
-        action->setData(identifier);
-        const int viewNumber = ToolbarItems::viewNumberForIdentifier(identifier);
-        if (viewNumber >= 0) {
-            action->setCheckable(true);
-            connect(action, &QAction::triggered, this, [this, viewNumber] {
-                setGroupView(viewNumber);
-            });
-        } else if (identifier == QLatin1String("Online")) {
-            connect(action, &QAction::triggered, this, &AppController::goOnline);
-        } else if (identifier == QLatin1String("Offline")) {
-            connect(action, &QAction::triggered, this, &AppController::goOffline);
-        }
-        _toolbarActions.append(action);
-    }
-    updateToolbarState();
+    _toolbar = new MainToolbar(_window);
+    connect(_toolbar, &MainToolbar::itemSelected, this, &AppController::didSelectToolbarItem);
+    _toolbar->loadConfiguration();
+    _toolbar->validate(isOnline());
 }
 
-void AppController::updateToolbarState()
+void AppController::runToolbarConfig()
 {
-    const bool online = isOnline();
-    const QString selected = ToolbarItems::identifierForViewNumber(_lastView);
-    for (QAction *action : std::as_const(_toolbarActions)) {
-        const QString identifier = action->data().toString();
-        action->setEnabled(ToolbarItems::isEnabled(identifier, online));
-        if (action->isCheckable())
-            action->setChecked(identifier == selected);
-    }
+    _toolbar->runToolbarConfig();
+}
+
+void AppController::didSelectToolbarItem(const QString &identifier)
+{
+    const int view = ToolbarItems::viewNumberForIdentifier(identifier);
+    if (view >= 0)
+        setGroupView(view);
+    else if (identifier == QLatin1String("Update"))
+        updateAllNodes();
+    else if (identifier == QLatin1String("Cancel"))
+        cancelAllDownloads();
+    else if (identifier == QLatin1String("Online"))
+        goOnline();
+    else if (identifier == QLatin1String("Offline"))
+        goOffline();
+    else if (identifier == QLatin1String("Prefs"))
+        openPreferencesPanel();
+}
+
+bool AppController::validateToolbarItem(const QString &identifier) const
+{
+    return ToolbarItems::isEnabled(identifier, isOnline());
+}
+
+void AppController::onlineStateChanged()
+{
+    if (_toolbar)
+        _toolbar->validate(isOnline());
+    validateMenus();
 }
 
 QWidget *AppController::viewForNumber(int viewNumber) const
@@ -458,7 +539,14 @@ void AppController::setGroupView(int viewNumber)
     QWidget *view = viewForNumber(viewNumber);
     attachView(view, true, true);
     _selectedGroupView = qobject_cast<GroupView *>(view);
-    updateToolbarState();
+    if (_toolbar)
+        _toolbar->setSelectedItemIdentifier(ToolbarItems::identifierForViewNumber(viewNumber));
+    validateMenus();
+}
+
+void AppController::setGroupViewFromMenu(QAction *item)
+{
+    setGroupView(item->data().toInt());
 }
 
 void AppController::attachView(QWidget *view, bool display, bool animate)

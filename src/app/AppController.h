@@ -12,6 +12,7 @@ class AlertsView;
 class AppCore;
 class GroupView;
 class MainWindow;
+class MainToolbar;
 class MoonView;
 class NodeScheduler;
 class PreferencesPanel;
@@ -19,7 +20,6 @@ class QAction;
 class QMessageBox;
 class QUrl;
 class QStackedWidget;
-class QToolBar;
 class QWidget;
 
 // The application's single controller: it builds the main window with its six views, the
@@ -61,9 +61,13 @@ public:
     void setSouthernHemisphere(bool on);
     void setTimeoutValue(int seconds);
 
-    // Views.
+    // Views and the toolbar.
     void initToolbar();
+    void runToolbarConfig();
+    void didSelectToolbarItem(const QString &identifier);
+    bool validateToolbarItem(const QString &identifier) const;
     void setGroupView(int viewNumber);
+    void setGroupViewFromMenu(QAction *item);
     void attachView(QWidget *view, bool display, bool animate);
     int lastView() const { return _lastView; }
     GroupView *selectedGroupView() const { return _selectedGroupView; }
@@ -110,7 +114,12 @@ public:
     PreferencesPanel *preferencesPanel() const { return _preferencesPanel; }
     AboutBox *aboutBox() const { return _aboutBoxWindow; }
     NodeScheduler *nodeScheduler() const { return _nodeScheduler; }
-    QToolBar *toolbar() const { return _toolbar; }
+    MainToolbar *mainToolbar() const { return _toolbar; }
+    // Menu items by their tag (766 zoom, 767 save a copy, 0 to 5 the views).
+    QAction *menuItem(int tag) const;
+    // Enables a menu item: 766 and 767 only while an image view shows a selected node.
+    bool validateMenuItem(QAction *item) const;
+    void validateMenus();
     QList<QWidget *> views() const;
 
 private:
@@ -118,15 +127,21 @@ private:
     void buildInterface();
     void buildMenus();
     void connectPreferencesPanel();
-    void updateToolbarState();
+    void onlineStateChanged();
+    void revealSelectedNodeData();
+    void openScheduleWindowForSelectedNode();
+    void refreshSelectedNodeData();
     QWidget *viewForNumber(int viewNumber) const;
     void openAboutLink(const QUrl &address);
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;
     QStackedWidget *_content = nullptr;
-    QToolBar *_toolbar = nullptr;
-    QList<QAction *> _toolbarActions;
+    MainToolbar *_toolbar = nullptr;
+    QList<QAction *> _menuItems;
+    QAction *_goOnlineItem = nullptr;
+    QAction *_goOfflineItem = nullptr;
+    QAction *_updateAllItem = nullptr;
 
     GroupView *_sunView = nullptr;
     GroupView *_graphView = nullptr;

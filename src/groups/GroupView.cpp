@@ -5,12 +5,14 @@
 #include "DomainGroup.h"
 #include "GroupOutlineModel.h"
 #include "ImageController.h"
+#include "ImagePane.h"
 #include "OutlineSelectionModel.h"
 #include "ScaledImage.h"
 #include "SplitLayout.h"
 #include "nodes/Node.h"
 #include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
+#include "support/ClickableTextBlue.h"
 #include "support/FileManager.h"
 #include "support/GeometryText.h"
 #include "support/NamedImage.h"
@@ -22,7 +24,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QSettings>
 #include <QSplitter>
 #include <QTextBrowser>
@@ -73,30 +74,28 @@ void GroupView::buildInterface()
     titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
     _nodeTitleField->setFont(titleFont);
     _nodeTitleField->setWordWrap(true);
-    _dataSourceField = new QLabel;
-    _dataSourceField->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto *link = new ClickableTextBlue;
+    link->setToolTip(tr("Open the provider's page in your browser"));
+    connect(link, &ClickableText::clicked, this,
+            [this, link] { emit dataSourceLinkClicked(link->text()); });
+    _dataSourceField = link;
     _lastUpdatedField = new QLabel;
     _lastUpdatedField->setWordWrap(true);
     _lastUpdatedField->setForegroundRole(QPalette::PlaceholderText);
 
-    _imageView = new QLabel;
-    _imageView->setAlignment(Qt::AlignCenter);
-    _imageView->setMinimumSize(64, 64);
-    auto *imageScroller = new QScrollArea;
-    imageScroller->setWidget(_imageView);
-    imageScroller->setWidgetResizable(true);
-    imageScroller->setAlignment(Qt::AlignCenter);
-    imageScroller->setFrameShape(QFrame::NoFrame);
+    _imageView = new ImagePane;
 
     _nodeDescriptionTextField = new QTextBrowser;
     _nodeDescriptionTextField->setOpenExternalLinks(true);
     _nodeDescriptionTextField->setOpenLinks(true);
 
+    _nodeDescriptionTextField->setMinimumHeight(60);
     auto *detailSplit = new QSplitter(Qt::Vertical);
-    detailSplit->addWidget(imageScroller);
+    detailSplit->addWidget(_imageView);
     detailSplit->addWidget(_nodeDescriptionTextField);
-    detailSplit->setStretchFactor(0, 3);
+    detailSplit->setStretchFactor(0, 4);
     detailSplit->setStretchFactor(1, 1);
+    detailSplit->setSizes({480, 140});
     detailSplit->setChildrenCollapsible(false);
 
     _refreshImageButton = new QPushButton(tr("Reload"));
@@ -160,6 +159,10 @@ void GroupView::connectGroup()
     connect(_group, &NodeGroup::nodeStatusChanged, this, &GroupView::nodeStatusChanged);
     connect(_group, &NodeGroup::nodeSettingsChanged, this, &GroupView::nodeSettingsChanged);
     connect(_group, &NodeGroup::nodeDataLoaded, this, &GroupView::nodeDataLoaded);
+    connect(_group, &NodeGroup::nodeLeftDownloadQueue, this, [this](const Node *node) {
+        if (node == _group->selectedNode())
+            updateInterfaceForSelection();
+    });
 }
 
 void GroupView::awakeFromNib()
@@ -412,6 +415,7 @@ void GroupView::updateInterfaceForSelection()
     _scheduleNodeButton->setEnabled(node != nullptr);
     _refreshDomainButton->setEnabled(!node && _group->selectedDomain());
 
+    emit selectionChanged();
     if (!node) {
         _nodeTitleField->setText(QStringLiteral("Please select an item from the list."));
         _dataSourceField->setText(QString());

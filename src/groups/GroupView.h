@@ -11,6 +11,7 @@ class Domain;
 class DomainGroup;
 class GroupOutlineModel;
 class ImageController;
+class ImagePane;
 class Node;
 class NodeScheduler;
 class OutlineItem;
@@ -82,7 +83,7 @@ public:
     GroupOutlineModel *outlineModel() const { return _model; }
     QTreeView *domainsList() const { return _domainsList; }
     QSplitter *splitView() const { return _splitView; }
-    QLabel *imageView() const { return _imageView; }
+    ImagePane *imageView() const { return _imageView; }
     QTextBrowser *descriptionView() const { return _nodeDescriptionTextField; }
     QLabel *nodeTitleField() const { return _nodeTitleField; }
     QLabel *dataSourceField() const { return _dataSourceField; }
@@ -109,6 +110,8 @@ public:
 signals:
     // The data-source line was clicked; the address is its text.
     void dataSourceLinkClicked(const QString &address);
+    // The selection or the selected node's state changed.
+    void selectionChanged();
 
 private:
     void buildInterface();
@@ -138,7 +141,7 @@ private:
     QTreeView *_domainsList = nullptr;
     QSplitter *_splitView = nullptr;
     QTextBrowser *_nodeDescriptionTextField = nullptr;
-    QLabel *_imageView = nullptr;
+    ImagePane *_imageView = nullptr;
     QLabel *_nodeTitleField = nullptr;
     QLabel *_dataSourceField = nullptr;
     QLabel *_lastUpdatedField = nullptr;

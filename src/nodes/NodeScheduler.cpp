@@ -26,6 +26,7 @@ NodeScheduler::NodeScheduler(QWidget *parent)
     setObjectName(QStringLiteral("NodeScheduler"));
     setWindowTitle(tr("Schedule"));
     setWindowModality(Qt::WindowModal);
+    setMinimumWidth(340);
 
     QFont heading = _nodeTitleField->font();
     heading.setBold(true);

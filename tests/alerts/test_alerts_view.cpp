@@ -343,8 +343,7 @@ void TestAlertsView::lastUpdateLineFollowsTheSchedule()
     _view->scheduleNodeButton()->click();
     QVERIFY(_sheet.isVisible());
     QCOMPARE(_sheet.myNode(), nodeAt(0));
-    QTest::mouseClick(_sheet.autoUpdatesButton(), Qt::LeftButton, {},
-                      _sheet.autoUpdatesButton()->rect().center());
+    _sheet.autoUpdatesButton()->click();
     QVERIFY(nodeAt(0)->autoUpdates());
     QCOMPARE(lastUpdateLine(), QStringLiteral("Last Updated: Monday, Nov 16 2026 at 05:57 PM, "
                                               "Next Update: 11/16 at 06:57 PM"));

@@ -1,0 +1,102 @@
+#include "ScreenshotTour.h"
+
+#include "alerts/AlertsView.h"
+#include "app/AppController.h"
+#include "app/AppCore.h"
+#include "app/MainWindow.h"
+#include "app/Preferences.h"
+#include "app/PreferencesPanel.h"
+#include "groups/DomainGroup.h"
+#include "groups/GroupOutlineModel.h"
+#include "groups/GroupView.h"
+#include "groups/ImageController.h"
+#include "groups/ImageWindow.h"
+#include "nodes/Node.h"
+#include "nodes/NodeScheduler.h"
+#include "support/ActivityLog.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPixmap>
+#include <QTest>
+#include <QTextStream>
+#include <QTreeView>
+
+ScreenshotTour::ScreenshotTour(AppController *controller, const QString &folder)
+    : _controller(controller), _folder(folder)
+{
+}
+
+void ScreenshotTour::settle()
+{
+    for (int i = 0; i < 5; ++i) {
+        QCoreApplication::processEvents();
+        QTest::qWait(40);
+    }
+}
+
+bool ScreenshotTour::save(QWidget *widget, const QString &name)
+{
+    settle();
+    const QString path = QDir(_folder).filePath(name + QStringLiteral(".png"));
+    const bool ok = widget->grab().save(path);
+    QTextStream(stdout) << (ok ? "saved " : "FAILED ") << path << '\n';
+    if (!ok)
+        ++_failures;
+    return ok;
+}
+
+int ScreenshotTour::run()
+{
+    MainWindow *window = _controller->window();
+    const struct {
+        QSize size;
+        const char *suffix;
+    } sizes[] = {{QSize(1040, 720), "default"}, {QSize(760, 520), "small"}};
+    const char *viewNames[] = {"sun", "graphs", "aurora", "earth", "alerts", "moon"};
+    const QList<GroupView *> imageViews{_controller->sunView(), _controller->graphView(),
+                                        _controller->auroraView(), _controller->earthView()};
+
+    // Something selected in every image view, as a user would have it.
+    for (GroupView *view : imageViews) {
+        const QList<Node *> nodes = view->group()->allNodes();
+        if (!nodes.isEmpty())
+            view->domainsList()->setCurrentIndex(view->outlineModel()->indexForNode(nodes.first()));
+    }
+
+    for (const auto &size : sizes) {
+        window->resize(size.size);
+        for (int view = 0; view < 6; ++view) {
+            _controller->setGroupView(view);
+            save(window, QStringLiteral("%1-%2-%3").arg(view + 1).arg(QLatin1String(viewNames[view]),
+                                                                      QLatin1String(size.suffix)));
+        }
+    }
+    window->resize(sizes[0].size);
+    _controller->setGroupView(0);
+
+    ActivityLog *log = _controller->log();
+    log->addMessageToLog(QStringLiteral("Download of \"AIA 193\" Successful"));
+    log->addErrorToLog(QStringLiteral("Download of \"LASCO C3\" Failed: The request timed out. "
+                                      "https://soho.nascom.nasa.gov/data/realtime/c3/1024/latest.jpg"));
+    log->addMessageToLog(QStringLiteral("Download of \"RSGA\" Successful"));
+    log->openLogWindow();
+    save(log, QStringLiteral("7-activity-log"));
+    log->close();
+
+    _controller->openPreferencesPanel();
+    save(_controller->preferencesPanel(), QStringLiteral("8-preferences"));
+    _controller->preferencesPanel()->close();
+
+    GroupView *sun = _controller->sunView();
+    sun->openScheduleWindowForNode();
+    save(_controller->nodeScheduler(), QStringLiteral("9-schedule-sheet"));
+    _controller->nodeScheduler()->close();
+
+    if (Node *node = sun->selectedNode()) {
+        sun->openImageWindowForNode(node);
+        if (ImageController *image = sun->imageWindowForNode(node))
+            save(image->window(), QStringLiteral("10-image-window"));
+    }
+    return _failures;
+}

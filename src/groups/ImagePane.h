@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+
+// Where an image view shows the selected node's picture: at its own size, or smaller with its
+// proportions kept when the pane is smaller, centred, never enlarged.
+class ImagePane : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ImagePane(QWidget *parent = nullptr);
+
+    void setPixmap(const QPixmap &pixmap);
+    void clear() { setPixmap(QPixmap()); }
+    const QPixmap &pixmap() const { return _pixmap; }
+    // The rectangle the picture occupies inside the pane.
+    QRect imageRect() const;
+
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QPixmap _pixmap;
+};

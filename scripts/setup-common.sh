@@ -12,6 +12,7 @@ VANTOREL_PACKAGES=(
     qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
     libplist-dev
     fonts-dejavu-core
+    desktop-file-utils appstream
 )
 
 vantorel_missing_packages() {

@@ -31,7 +31,7 @@ int runWindow(int argc, char **argv)
 {
     QApplication app(argc, argv);
     setApplicationNames();
-    QGuiApplication::setDesktopFileName(QStringLiteral("vantorel"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.Vantorel"));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(CommandLine::applicationDescription());

@@ -238,7 +238,7 @@ void AlertsView::loadFrameSize()
     QSettings settings;
     const QString size = settings.value(QLatin1String(kViewSizeKey)).toString();
     if (!size.isEmpty())
-        resize(GeometryText::toSize(size).expandedTo(QSize(0, 0)));
+        resize(GeometryText::toViewSize(size));
     _group->setLastAlertMenuIndex(settings.value(QLatin1String(kMenuIndexKey)).toInt());
 }
 

@@ -322,6 +322,7 @@ void AppController::awakeFromNib()
     _earthView->loadDomainDataForGroup(QStringLiteral("Earth"), 3,
                                        QStringLiteral("DataEarth.plist"), dataFolder);
     _alertsView->loadDictionaryData(QStringLiteral("DataAlerts.plist"), dataFolder);
+    _core->removeStaleTemporaryFiles();
 
     _moonView->setHemisphere(Preferences::shared().southernHemisphere());
 }
@@ -399,10 +400,14 @@ void AppController::loadPreferences()
 
     const QByteArray frame = settings.value(QLatin1String(MainWindow::kFrameKey)).toByteArray();
     if (frame.isEmpty() || !_window->restoreGeometry(frame)) {
-        if (const QScreen *screen = QGuiApplication::primaryScreen())
-            _window->setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter,
-                                                     _window->size(),
-                                                     screen->availableGeometry()));
+        // First run (or a frame that cannot be used): the default size, made smaller on a small
+        // screen, centred.
+        if (const QScreen *screen = QGuiApplication::primaryScreen()) {
+            const QRect available = screen->availableGeometry();
+            const QSize size = _window->size().boundedTo(available.size() * 0.9);
+            _window->setGeometry(
+                QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, available));
+        }
     }
 
     const double timeout = std::trunc(double(prefs.timeoutSeconds()));

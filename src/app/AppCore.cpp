@@ -3,8 +3,12 @@
 #include "Preferences.h"
 #include "groups/DomainGroup.h"
 #include "groups/FlatGroup.h"
+#include "nodes/Node.h"
 
 #include <QDebug>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -88,6 +92,35 @@ void AppCore::loadAllGroups()
     _earth->loadDomainDataForGroup(QStringLiteral("Earth"), 3, QStringLiteral("DataEarth.plist"),
                                    _dataFolderPath);
     _alerts->loadDictionaryData(QStringLiteral("DataAlerts.plist"), _dataFolderPath);
+}
+
+int AppCore::removeStaleTemporaryFiles(int minimumAgeSeconds)
+{
+    QSet<QString> names;
+    for (NodeGroup *group : groupsInViewOrder()) {
+        for (const Node *node : group->allNodes())
+            names.insert(node->fileName());
+    }
+    if (names.isEmpty() || _dataFolderPath.isEmpty())
+        return 0;
+
+    // An atomic write goes through a temporary file named after its target with a dot and six
+    // letters or digits; only such names, for our own nodes, are ever touched.
+    static const QRegularExpression temporary(QStringLiteral("^(.+)\\.[A-Za-z0-9]{6}$"));
+    const QDateTime cutoff = QDateTime::currentDateTime().addSecs(-minimumAgeSeconds);
+    int removed = 0;
+    const QFileInfoList entries =
+        QDir(_dataFolderPath).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const QRegularExpressionMatch match = temporary.match(entry.fileName());
+        if (!match.hasMatch() || !names.contains(match.captured(1)))
+            continue;
+        if (entry.lastModified() > cutoff)
+            continue;
+        if (QFile::remove(entry.absoluteFilePath()))
+            ++removed;
+    }
+    return removed;
 }
 
 void AppCore::setLog(LogSink *log)

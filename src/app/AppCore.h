@@ -48,6 +48,10 @@ public:
 
     // Reads the five definition files into the groups, for a caller without views.
     void loadAllGroups();
+    // Removes what a write cut short by a crash or a kill may have left in the data folder: the
+    // temporary twin of a node's data file ("name.XXXXXX"), once it is old enough that no
+    // running write can still own it. Returns how many were removed.
+    int removeStaleTemporaryFiles(int minimumAgeSeconds = 60);
     void setLog(LogSink *log);
 
     // Global commands.

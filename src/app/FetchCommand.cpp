@@ -119,6 +119,8 @@ int FetchCommand::run(const QStringList &arguments)
         groups.append(core.groupNamed(name));
     }
 
+    core.removeStaleTemporaryFiles();
+
     bool interrupted = false;
     SignalQuitter quitter;
     QObject::connect(&quitter, &SignalQuitter::quitRequested, [&] { interrupted = true; });

@@ -264,7 +264,7 @@ void GroupView::loadFrameSize()
     QSettings settings;
     const QString size = settings.value(viewSizeKey()).toString();
     if (!size.isEmpty())
-        resize(GeometryText::toSize(size).expandedTo(QSize(0, 0)));
+        resize(GeometryText::toViewSize(size));
 
     if (!_splitView)
         return;

@@ -195,7 +195,7 @@ void MoonView::loadFrameSize()
 {
     const QString size = QSettings().value(QLatin1String(kViewSizeKey)).toString();
     if (!size.isEmpty())
-        resize(GeometryText::toSize(size).expandedTo(QSize(0, 0)));
+        resize(GeometryText::toViewSize(size));
 }
 
 void MoonView::saveFrameSize()

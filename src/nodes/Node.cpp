@@ -1,5 +1,6 @@
 #include "Node.h"
 
+#include "ChunkBuffer.h"
 #include "NetworkAccess.h"
 #include "NodeDelegate.h"
 #include "UpdateTimeText.h"
@@ -313,8 +314,12 @@ void Node::beginDownloadingData()
         return;
     }
 
+    // Let the network layer hold only a little before we take it: a fast server then waits for
+    // us instead of filling memory, and each delivery stays small enough not to hold up the
+    // event loop.
+    reply->setReadBufferSize(kReadBufferSize);
     _download = reply;
-    _receivedData = std::make_unique<QByteArray>();
+    _receivedData = std::make_unique<ChunkBuffer>();
     connect(reply, &QNetworkReply::metaDataChanged, this, &Node::connectionDidReceiveResponse);
     connect(reply, &QNetworkReply::readyRead, this, &Node::connectionDidReceiveData);
     connect(reply, &QNetworkReply::finished, this, &Node::transferFinished);
@@ -433,7 +438,7 @@ void Node::connectionDidFinishLoading()
     setLastUpdateNow();
     calculateNextUpdate();
 
-    const QByteArray &data = *_receivedData;
+    const ChunkBuffer &data = *_receivedData;
     if (data.isEmpty()) {
         setStatusMessage(QStringLiteral("Err"), errorStatusLong());
         reportFailure(failedText(
@@ -447,8 +452,8 @@ void Node::connectionDidFinishLoading()
                                                 "file may not be available at this time)")));
     } else {
         QSaveFile file(_filePath);
-        const bool written = file.open(QIODevice::WriteOnly) &&
-                             file.write(data) == data.size() && file.commit();
+        const bool written = file.open(QIODevice::WriteOnly) && data.writeTo(file) &&
+                             file.commit();
         if (!written) {
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());
             reportFailure(failedText(_itemName, QStringLiteral("unable to write file")));

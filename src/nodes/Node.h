@@ -11,6 +11,7 @@
 
 #include <memory>
 
+class ChunkBuffer;
 class NodeDelegate;
 class QNetworkReply;
 class QTimer;
@@ -94,6 +95,7 @@ public:
     // A transfer that grows past this is stopped: a broken or hostile server must not be able to
     // exhaust memory, and no real image or bulletin comes near it.
     static constexpr qint64 kMaximumDataSize = qint64(256) * 1024 * 1024;
+    static constexpr qint64 kReadBufferSize = qint64(1) * 1024 * 1024;
 
 private:
     Node(const QVariantMap &dict, NodeDelegate *delegate, const QString &dataFolderPath,
@@ -131,7 +133,7 @@ private:
     bool _downloadsAtStartup = false;
     bool _overrideDataMismatch = false;
     QPointer<QNetworkReply> _download;
-    std::unique_ptr<QByteArray> _receivedData;
+    std::unique_ptr<ChunkBuffer> _receivedData;
     bool _isDownloading = false;
     QString _sourceURL;
     QString _filePath;

@@ -16,6 +16,11 @@ QSize GeometryText::toSize(const QString &text)
     return QSize(clampToInt(n.value(0)), clampToInt(n.value(1)));
 }
 
+QSize GeometryText::toViewSize(const QString &text)
+{
+    return toSize(text).expandedTo(QSize(0, 0)).boundedTo(QSize(16384, 16384));
+}
+
 QString GeometryText::fromRect(const QRect &rect)
 {
     return QStringLiteral("{{%1, %2}, {%3, %4}}")

@@ -11,6 +11,8 @@ class GeometryText {
 public:
     static QString fromSize(const QSize &size);
     static QSize toSize(const QString &text);
+    // A size fit for a view: nothing negative, nothing larger than any screen.
+    static QSize toViewSize(const QString &text);
     static QString fromRect(const QRect &rect);
     static QRect toRect(const QString &text);
     // True when the rectangle has no area (zero or negative width or height).

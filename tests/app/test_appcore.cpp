@@ -10,6 +10,8 @@
 #include "groups/FlatGroup.h"
 #include "nodes/Node.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QtTest>
@@ -30,6 +32,7 @@ private slots:
     void timerTicksQueueDueNodes();
     void offlineTicksDoNothing();
     void toggle();
+    void staleTemporaryFilesRemoved();
 
 private:
     // One node per group, named after the group, whose address fails at once.
@@ -261,6 +264,34 @@ void TestAppCore::toggle()
     _core->toggleOnlineStatus();
     QVERIFY(_core->isOnline());
     QVERIFY(_core->schedulerRunning());
+}
+
+void TestAppCore::staleTemporaryFilesRemoved()
+{
+    const QString folder = _core->dataFolderPath();
+    _core->alertsGroup()->addNewNodeWithDict(TestEnvironment::nodeDict(QStringLiteral("RSGA.txt")));
+    const QDateTime old = QDateTime::currentDateTime().addSecs(-3600);
+    const struct {
+        const char *name;
+        bool old;
+        bool removed;
+    } files[] = {
+        {"RSGA.txt.Ab12Cd", true, true},    // what a killed write leaves
+        {"RSGA.txt.Zz99zz", false, false},  // a write that may still be running
+        {"Other.txt.Ab12Cd", true, false},  // not one of our nodes
+        {"RSGA.txt.Ab12Cde", true, false},  // not the temporary pattern
+        {"RSGA.txt", true, false},          // the data file itself
+        {"notes.txt", true, false},
+    };
+    for (const auto &f : files) {
+        QFile file(folder + QLatin1Char('/') + QLatin1String(f.name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        if (f.old)
+            QVERIFY(file.setFileTime(old, QFileDevice::FileModificationTime));
+    }
+    QCOMPARE(_core->removeStaleTemporaryFiles(), 1);
+    for (const auto &f : files)
+        QCOMPARE(QFileInfo::exists(folder + QLatin1Char('/') + QLatin1String(f.name)), !f.removed);
 }
 
 VANTOREL_TEST_CORE_MAIN(TestAppCore)

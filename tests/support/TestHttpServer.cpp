@@ -97,7 +97,12 @@ void TestHttpServer::readRequest(QTcpSocket *socket)
 void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
 {
     Script script;
-    if (_routes.contains(path)) {
+    ++_total;
+    if (_failEvery > 0 && _total % _failEvery == 0) {
+        script.status = 500;
+        script.reason = "Internal Server Error";
+        script.chunks = {"try again later"};
+    } else if (_routes.contains(path)) {
         script = _routes.value(path);
     } else {
         script.status = 404;
@@ -108,14 +113,21 @@ void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
         return;
 
     QPointer<QTcpSocket> guarded(socket);
-    const auto sendHead = [this, guarded, script] {
+    if (script.endlessHeaders) {
+        socket->write("HTTP/1.1 200 OK\r\n");
+        stream(guarded, "X-Padding: " + QByteArray(1000, 'h') + "\r\n");
+        return;
+    }
+    const bool keepAlive = _keepAlive && !script.abortAfterChunks;
+    const auto sendHead = [this, guarded, script, keepAlive] {
         if (!guarded)
             return;
         qint64 total = 0;
         for (const QByteArray &chunk : script.chunks)
             total += chunk.size();
         QByteArray head = "HTTP/1.1 " + QByteArray::number(script.status) + ' ' + script.reason +
-                          "\r\nConnection: close\r\nContent-Type: application/octet-stream\r\n";
+                          (keepAlive ? "\r\n" : "\r\nConnection: close\r\n") +
+                          "Content-Type: application/octet-stream\r\n";
         const qint64 declared = script.declaredLength.value_or(total);
         if (declared >= 0)
             head += "Content-Length: " + QByteArray::number(declared) + "\r\n";
@@ -128,6 +140,17 @@ void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
         guarded->flush();
         if (script.stallAfterHeaders)
             return;
+        if (script.endlessBody) {
+            stream(guarded, bytes(64 * 1024));
+            return;
+        }
+        if (keepAlive && script.pauseMs == 0) {
+            // The whole answer at once, and the connection stays for the next request.
+            for (const QByteArray &chunk : script.chunks)
+                guarded->write(chunk);
+            guarded->flush();
+            return;
+        }
         sendChunks(guarded, script, 0);
     };
     if (script.firstByteDelayMs > 0)
@@ -164,4 +187,17 @@ void TestHttpServer::finish(QPointer<QTcpSocket> socket, const Script &script)
         return;
     }
     socket->disconnectFromHost();
+}
+
+void TestHttpServer::stream(QPointer<QTcpSocket> socket, const QByteArray &block)
+{
+    if (!socket)
+        return;
+    const auto topUp = [socket, block] {
+        while (socket && socket->state() == QAbstractSocket::ConnectedState &&
+               socket->bytesToWrite() < 4 * block.size())
+            socket->write(block);
+    };
+    connect(socket, &QTcpSocket::bytesWritten, socket, topUp);
+    topUp();
 }

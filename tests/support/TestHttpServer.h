@@ -30,6 +30,8 @@ public:
         bool stallAfterHeaders = false; // send the headers, then nothing, never close
         bool stallForever = false;      // send nothing at all
         bool abortAfterChunks = false;  // reset the connection after the chunks
+        bool endlessBody = false;       // after the headers, data until the client gives up
+        bool endlessHeaders = false;    // header lines that never end
         QByteArray location;            // Location header (for redirects)
         QList<QPair<QByteArray, QByteArray>> extraHeaders;
     };
@@ -50,6 +52,11 @@ public:
         return _lastHeaders.value(path);
     }
     int openConnections() const;
+    // Keeps connections open for further requests, as real servers do (off: one per connection).
+    void setKeepAlive(bool on) { _keepAlive = on; }
+    // Answers every nth request, whatever its path, with 500 instead (0 turns this off).
+    void setFailEvery(int n) { _failEvery = n; }
+    int totalRequests() const { return _total; }
 
     static QByteArray bytes(int size, char seed = 'a');
 
@@ -65,12 +72,17 @@ private:
     void answer(QTcpSocket *socket, const QByteArray &path);
     void sendChunks(QPointer<QTcpSocket> socket, Script script, int index);
     void finish(QPointer<QTcpSocket> socket, const Script &script);
+    // Keeps the socket's send buffer topped up with the same block until the peer goes away.
+    void stream(QPointer<QTcpSocket> socket, const QByteArray &block);
 
     QTcpServer _server;
     QHash<QByteArray, Script> _routes;
     QHash<QByteArray, int> _requests;
     QHash<QByteArray, QHash<QByteArray, QByteArray>> _lastHeaders;
     QHash<QTcpSocket *, QByteArray> _buffers;
+    int _failEvery = 0;
+    bool _keepAlive = false;
+    int _total = 0;
 };
 
 Q_DECLARE_METATYPE(TestHttpServer::Script)

@@ -1,0 +1,153 @@
+"""The kill test's work: see scripts/kill-test."""
+
+import hashlib
+import http.server
+import os
+import plistlib
+import random
+import re
+import shutil
+import signal
+import socketserver
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+GROUPS = ["Sun", "Graphs", "Aurora", "Earth", "Alerts"]
+FILES_PER_GROUP = 40
+TEMPORARY = re.compile(r"^(.+)\.[A-Za-z0-9]{6}$")
+
+
+def make_versions(root):
+    """Two complete versions of every file; a data file must always equal one of them."""
+    rng = random.Random(7)
+    digests = {}
+    for version in (0, 1):
+        folder = os.path.join(root, f"v{version}")
+        os.makedirs(folder)
+        for group in GROUPS:
+            for i in range(FILES_PER_GROUP):
+                name = f"{group.lower()}{i:02d}.bin"
+                size = rng.randint(20_000, 600_000)
+                data = bytes([version + 1]) * 16 + os.urandom(size)
+                with open(os.path.join(folder, name), "wb") as f:
+                    f.write(data)
+                digests.setdefault(name, set()).add(hashlib.sha256(data).hexdigest())
+    return digests
+
+
+def write_definitions(folder, base_url):
+    os.makedirs(folder)
+    for group in GROUPS:
+        nodes = {}
+        for i in range(FILES_PER_GROUP):
+            name = f"{group.lower()}{i:02d}.bin"
+            nodes[f"Node{i}"] = {"URL": base_url, "SourceFileName": name, "DestFileName": name,
+                                 "NodeName": name, "NodeTitle": name, "FileType": 0}
+        if group == "Alerts":
+            root = nodes
+        else:
+            root = {"Domain0": dict(DomainName=group, **nodes)}
+        with open(os.path.join(folder, f"Data{group}.plist"), "wb") as f:
+            plistlib.dump(root, f)
+
+
+class Server(socketserver.ThreadingMixIn, http.server.HTTPServer):
+    daemon_threads = True
+
+
+def serve(root):
+    state = {"version": 0}
+
+    class Handler(http.server.SimpleHTTPRequestHandler):
+        def translate_path(self, path):
+            return os.path.join(root, f"v{state['version']}", os.path.basename(path))
+
+        def log_message(self, *args):
+            pass
+
+    server = Server(("127.0.0.1", 0), Handler)
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    return server, state
+
+
+def check_data(data, digests):
+    """Every data file equals a complete version; returns (files, partial, leftovers)."""
+    files = partial = 0
+    leftovers = []
+    for name in os.listdir(data):
+        path = os.path.join(data, name)
+        if name in digests:
+            files += 1
+            with open(path, "rb") as f:
+                if hashlib.sha256(f.read()).hexdigest() not in digests[name]:
+                    partial += 1
+                    print(f"PARTIAL: {name}", flush=True)
+        elif TEMPORARY.match(name) and TEMPORARY.match(name).group(1) in digests:
+            leftovers.append(name)
+    return files, partial, leftovers
+
+
+def main():
+    binary, rounds = sys.argv[1], int(sys.argv[2])
+    work = tempfile.mkdtemp(prefix="vantorel-kill-")
+    try:
+        digests = make_versions(os.path.join(work, "served"))
+        server, state = serve(os.path.join(work, "served"))
+        base = f"http://127.0.0.1:{server.server_address[1]}/"
+        definitions = os.path.join(work, "definitions")
+        write_definitions(definitions, base)
+        data = os.path.join(work, "data")
+        home = os.path.join(work, "home")
+        env = dict(os.environ, HOME=home, XDG_CONFIG_HOME=os.path.join(home, ".config"),
+                   XDG_DATA_HOME=os.path.join(home, ".local", "share"))
+        env.pop("DISPLAY", None)
+        command = [binary, "fetch", "--definitions", definitions, "--data-dir", data,
+                   "--timeout", "20"]
+
+        rng = random.Random(11)
+        transfers = partial_total = 0
+        leftovers_seen = set()
+        for round_number in range(rounds):
+            state["version"] = round_number % 2
+            process = subprocess.Popen(command, env=env, stdout=subprocess.PIPE,
+                                       stderr=subprocess.DEVNULL)
+            time.sleep(rng.uniform(0.05, 1.5))
+            process.send_signal(signal.SIGKILL)
+            out, _ = process.communicate()
+            transfers += out.count(b"Successful")
+            files, partial, leftovers = check_data(data, digests)
+            partial_total += partial
+            leftovers_seen.update(leftovers)
+            print(f"round {round_number + 1}/{rounds}: killed after {transfers} transfers in all,"
+                  f" {files} data files, {partial} partial, {len(leftovers)} temporary",
+                  flush=True)
+
+        # A temporary file as a write killed long ago would leave it; the next start removes it.
+        planted = os.path.join(data, "sun00.bin.Xy12Zq")
+        with open(planted, "wb") as f:
+            f.write(b"half a file")
+        old = time.time() - 3600
+        os.utime(planted, (old, old))
+        finished = subprocess.run(command, env=env, stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.PIPE, timeout=600)
+        files, partial, leftovers = check_data(data, digests)
+        partial_total += partial
+        server.shutdown()
+
+        print(f"{rounds} kills, {transfers} transfers completed before them; final run exit "
+              f"{finished.returncode}, {files} data files, {partial_total} partial files seen, "
+              f"temporary files seen after kills: {len(leftovers_seen)}, left after the next "
+              f"start: {len(leftovers)}")
+        ok = (partial_total == 0 and finished.returncode == 0 and not leftovers
+              and files == len(digests) and not os.path.exists(planted))
+        print("PASS" if ok else "FAIL")
+        return 0 if ok else 1
+    finally:
+        shutil.rmtree(work, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    sys.exit(main())

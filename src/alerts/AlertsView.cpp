@@ -4,6 +4,7 @@
 #include "nodes/Node.h"
 #include "nodes/NodeScheduler.h"
 #include "support/GeometryText.h"
+#include "support/Settings.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -235,7 +236,7 @@ void AlertsView::nodeDataLoaded(Node *node)
 
 void AlertsView::loadFrameSize()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     const QString size = settings.value(QLatin1String(kViewSizeKey)).toString();
     if (!size.isEmpty())
         resize(GeometryText::toViewSize(size));
@@ -244,7 +245,7 @@ void AlertsView::loadFrameSize()
 
 void AlertsView::saveFrameSize()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     settings.setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
     settings.setValue(QLatin1String(kMenuIndexKey), _group->lastAlertMenuIndex());
 }

@@ -100,7 +100,7 @@ int ReportCommand::run(const QStringList &arguments)
         "printed.\n"
         "Exit code: 0 when a bulletin was printed, 1 when there is none to print, 2 for a usage "
         "error."));
-    const QCommandLineOption help = parser.addHelpOption();
+    parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption list(QStringLiteral("list"),
                                   QStringLiteral("List the reports of the Alerts group."));
@@ -118,15 +118,8 @@ int ReportCommand::run(const QStringList &arguments)
 
     if (!parser.parse(QStringList{QStringLiteral("vantorel report")} + arguments))
         return usageError(parser.errorText());
-    if (parser.isSet(help)) {
-        // The parser names the executable by its full path; the usage line reads as typed.
-        QString text = parser.helpText();
-        const QString executable = QCoreApplication::arguments().value(0);
-        if (!executable.isEmpty() && text.startsWith(QStringLiteral("Usage: ") + executable))
-            text.replace(7, executable.size(), QStringLiteral("vantorel report"));
-        print(stdout, text);
+    if (CommandLine::printCommandHelp(parser, QStringLiteral("report")))
         return CommandLine::Success;
-    }
     if (parser.isSet(version)) {
         print(stdout, CommandLine::versionText());
         return CommandLine::Success;

@@ -13,9 +13,9 @@ AboutBox::AboutBox(QWidget *parent) : QDialog(parent), _aboutBoxVersionNumberFie
     setWindowTitle(tr("About Vantorel"));
     setObjectName(QStringLiteral("AboutBox"));
 
-    auto *icon = new QLabel;
-    icon->setPixmap(NamedImage::icon(QStringLiteral("Vantorel")).pixmap(96, 96));
-    icon->setAlignment(Qt::AlignCenter);
+    _icon = new QLabel;
+    _icon->setAlignment(Qt::AlignCenter);
+    _icon->setMinimumSize(96, 96);
     auto *name = new QLabel(QStringLiteral("<h2>Vantorel</h2>"));
     name->setAlignment(Qt::AlignCenter);
     _aboutBoxVersionNumberField->setAlignment(Qt::AlignCenter);
@@ -51,12 +51,21 @@ AboutBox::AboutBox(QWidget *parent) : QDialog(parent), _aboutBoxVersionNumberFie
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
 
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(icon);
+    layout->addWidget(_icon);
     layout->addWidget(name);
     layout->addWidget(_aboutBoxVersionNumberField);
     layout->addWidget(blurb);
     layout->addLayout(linkGrid);
     layout->addWidget(buttons);
+}
+
+void AboutBox::showEvent(QShowEvent *event)
+{
+    // The artwork is rendered when the box is first shown, not at every start.
+    if (!_icon->pixmap().isNull())
+        return QDialog::showEvent(event);
+    _icon->setPixmap(NamedImage::icon(QStringLiteral("Vantorel")).pixmap(96, 96));
+    QDialog::showEvent(event);
 }
 
 QPushButton *AboutBox::linkButton(int index) const

@@ -23,7 +23,11 @@ signals:
     void relatedSiteOneRequested();
     void relatedSiteTwoRequested();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     QLabel *_aboutBoxVersionNumberField;
+    QLabel *_icon = nullptr;
     QList<QPushButton *> _links;
 };

@@ -18,6 +18,7 @@
 #include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
 #include "support/NamedImage.h"
+#include "support/Settings.h"
 
 #include <QAction>
 #include <QApplication>
@@ -362,6 +363,8 @@ void AppController::applicationWillTerminate()
     stopScheduler();
     _log->saveWindowFrame();
     savePreferences();
+    // Everything saved above is in memory until written; write it before the process ends.
+    Settings::sync();
 }
 
 // --- Preferences ------------------------------------------------------------------------------
@@ -393,7 +396,7 @@ float AppController::timeoutSeconds() const
 
 void AppController::loadPreferences()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     Preferences &prefs = Preferences::shared();
     prefs.loadPreferences(settings);
     _lastView = prefs.lastView();
@@ -418,7 +421,7 @@ void AppController::loadPreferences()
 
 void AppController::savePreferences()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     Preferences &prefs = Preferences::shared();
     prefs.setLastView(_lastView);
     prefs.savePreferences(settings);

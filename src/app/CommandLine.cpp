@@ -38,6 +38,19 @@ QStringList CommandLine::commandNames()
     return {QStringLiteral("fetch"), QStringLiteral("report"), QStringLiteral("moon")};
 }
 
+bool CommandLine::printCommandHelp(const QCommandLineParser &parser, const QString &command)
+{
+    if (!parser.isSet(QStringLiteral("help")) && !parser.isSet(QStringLiteral("help-all")))
+        return false;
+    // The parser names the executable by the path it was started with.
+    QString text = parser.helpText();
+    const QString usage = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
+    if (text.startsWith(usage))
+        text.replace(0, usage.size(), QStringLiteral("Usage: vantorel ") + command);
+    printText(stdout, text);
+    return true;
+}
+
 QString CommandLine::applicationDescription()
 {
     return QStringLiteral(

@@ -33,6 +33,10 @@ public:
     // by whoever owns them).
     static void applyDefinitionsFolder(const SharedOptions &options);
 
+    // Prints a command's help when it was asked for (--help or --help-all), with the usage line
+    // as the user types it ("vantorel fetch ..."); true when it did.
+    static bool printCommandHelp(const QCommandLineParser &parser, const QString &command);
+
     static QStringList commandNames();
     static QString applicationDescription();
     static QString versionText();

@@ -8,6 +8,7 @@
 #include "nodes/Node.h"
 #include "support/ConsoleLogSink.h"
 #include "support/SignalQuitter.h"
+#include "support/Settings.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -62,7 +63,7 @@ int FetchCommand::run(const QStringList &arguments)
         QStringLiteral("Downloads every item of the named groups once and exits: 0 when all "
                        "succeeded, 1 when any failed, 2 for a usage error.\n"
                        "Groups: Sun, Graphs, Aurora, Earth, Alerts (all when none is named)."));
-    const QCommandLineOption help = parser.addHelpOption();
+    parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     CommandLine::addSharedOptions(parser);
     parser.addPositionalArgument(QStringLiteral("groups"), QStringLiteral("Groups to fetch."),
@@ -70,10 +71,8 @@ int FetchCommand::run(const QStringList &arguments)
 
     if (!parser.parse(QStringList{QStringLiteral("vantorel fetch")} + arguments))
         return usageError(parser.errorText());
-    if (parser.isSet(help)) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+    if (CommandLine::printCommandHelp(parser, QStringLiteral("fetch")))
         return CommandLine::Success;
-    }
     if (parser.isSet(version)) {
         std::fputs(qPrintable(CommandLine::versionText()), stdout);
         return CommandLine::Success;
@@ -99,8 +98,7 @@ int FetchCommand::run(const QStringList &arguments)
 
     CommandLine::applyDefinitionsFolder(*options);
     {
-        QSettings settings;
-        Preferences::shared().loadPreferences(settings);
+        Preferences::shared().loadPreferences(Settings::store());
     }
     if (options->timeoutSeconds)
         Preferences::shared().setTimeoutOverride(*options->timeoutSeconds);
@@ -142,5 +140,6 @@ int FetchCommand::run(const QStringList &arguments)
     if (interrupted)
         core.cancelAllDownloads();
     core.cleanupGroups();
+    Settings::sync();
     return (log.errorCount() > 0 || interrupted) ? CommandLine::Failure : CommandLine::Success;
 }

@@ -4,6 +4,7 @@
 #include "ToolbarCustomizer.h"
 #include "ToolbarItems.h"
 #include "support/NamedImage.h"
+#include "support/Settings.h"
 
 #include <QAction>
 #include <QEvent>
@@ -93,13 +94,13 @@ bool MainToolbar::eventFilter(QObject *watched, QEvent *event)
 
 void MainToolbar::loadConfiguration()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     setIdentifiers(ToolbarConfiguration::load(settings));
 }
 
 void MainToolbar::saveConfiguration() const
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     ToolbarConfiguration::save(settings, _identifiers);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Domain.h"
 #include "nodes/Node.h"
+#include "support/Settings.h"
 
 #include <QSettings>
 
@@ -115,12 +116,12 @@ QString DomainGroup::expandedKey(const QString &domainName)
 
 int DomainGroup::expansionState(const QString &domainName)
 {
-    return QSettings().value(expandedKey(domainName)).toInt();
+    return Settings::store().value(expandedKey(domainName)).toInt();
 }
 
 void DomainGroup::setExpansionState(const QString &domainName, int state)
 {
-    QSettings().setValue(expandedKey(domainName), state);
+    Settings::store().setValue(expandedKey(domainName), state);
 }
 
 DomainGroup::Placeholders DomainGroup::placeholdersForGroup(int groupNumber)

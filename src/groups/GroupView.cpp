@@ -16,6 +16,7 @@
 #include "support/FileManager.h"
 #include "support/GeometryText.h"
 #include "support/NamedImage.h"
+#include "support/Settings.h"
 
 #include <QDir>
 #include <QFile>
@@ -207,21 +208,32 @@ void GroupView::loadDomainDataForGroup(const QString &groupName, int groupNumber
     // before the file is read, so that a missing file still leaves it restored.
     _group->setGroup(groupName, groupNumber, dataFolderPath);
     loadFrameSize();
-    loadPlaceholderImages(groupNumber);
-    showImage(_splashImage);
+    _placeholders = DomainGroup::placeholdersForGroup(groupNumber);
+    showSplash();
     if (!_group->loadDefinitionFile(dictionaryFileName))
         return;
     _model->reloadData();
     restoreExpansion();
 }
 
-void GroupView::loadPlaceholderImages(int groupNumber)
+QPixmap GroupView::splashImage() const
 {
-    const DomainGroup::Placeholders names = DomainGroup::placeholdersForGroup(groupNumber);
-    const qreal dpr = devicePixelRatioF();
-    _splashImage = NamedImage::pixmap(names.splash, dpr);
-    _noDataImage = NamedImage::pixmap(names.noData, dpr);
-    _downloadingImage = NamedImage::pixmap(names.downloading, dpr);
+    return NamedImage::pixmap(_placeholders.splash, devicePixelRatioF());
+}
+
+QPixmap GroupView::noDataImage() const
+{
+    return NamedImage::pixmap(_placeholders.noData, devicePixelRatioF());
+}
+
+QPixmap GroupView::downloadingImage() const
+{
+    return NamedImage::pixmap(_placeholders.downloading, devicePixelRatioF());
+}
+
+QPixmap GroupView::shownImage() const
+{
+    return _imageView->pixmap();
 }
 
 void GroupView::restoreExpansion()
@@ -261,7 +273,7 @@ void GroupView::applicationDidFinishLaunching()
 
 void GroupView::loadFrameSize()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     const QString size = settings.value(viewSizeKey()).toString();
     if (!size.isEmpty())
         resize(GeometryText::toViewSize(size));
@@ -285,7 +297,7 @@ void GroupView::loadFrameSize()
 
 void GroupView::saveFrameSize()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     settings.setValue(viewSizeKey(), GeometryText::fromSize(size()));
     if (!_splitView)
         return;
@@ -385,23 +397,24 @@ Domain *GroupView::selectedDomain() const
 
 void GroupView::setLastNodeViewed(const QString &name)
 {
-    QSettings().setValue(lastNodeViewedKey(), name);
+    Settings::store().setValue(lastNodeViewedKey(), name);
 }
 
 // --- Display ----------------------------------------------------------------------------------
 
 void GroupView::showImage(const QPixmap &image)
 {
-    _shownImage = image;
-    if (image.isNull())
-        _imageView->clear();
-    else
-        _imageView->setPixmap(image);
+    _imageView->setPixmap(image);
+}
+
+void GroupView::showPlaceholder(const QString &name)
+{
+    _imageView->setPlaceholder(name);
 }
 
 void GroupView::showSplash()
 {
-    showImage(_splashImage);
+    showPlaceholder(_placeholders.splash);
 }
 
 void GroupView::updateInterfaceForSelection()
@@ -441,10 +454,11 @@ void GroupView::displayImageForNode(Node *node)
             updateInterfaceForSelection();
             return;
         }
-        showImage(_noDataImage);
+        showPlaceholder(_placeholders.noData);
     } else {
         // Queued already, or queued now when missing data is fetched: either way it is coming.
-        showImage(_group->queueMissingData(node) ? _downloadingImage : _noDataImage);
+        showPlaceholder(_group->queueMissingData(node) ? _placeholders.downloading
+                                                       : _placeholders.noData);
     }
     updateInterfaceForSelection();
 }
@@ -456,9 +470,25 @@ QPixmap GroupView::getScaledImageFromFileAtPath(const QString &path) const
 
 bool GroupView::showHtml(const QString &html)
 {
+    // Laying out a page costs milliseconds: the same page is not laid out again, and a view that
+    // is not on screen lays its page out when it is first shown.
+    if (html == _descriptionHtml && !_descriptionPending)
+        return true;
+    _descriptionHtml = html;
+    _descriptionPending = !isVisible();
+    if (!_descriptionPending)
+        _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(html));
     // Qt's HTML reader takes anything; there is no failure to leave the view unchanged for.
-    _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(html));
     return true;
+}
+
+void GroupView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (_descriptionPending) {
+        _descriptionPending = false;
+        _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(_descriptionHtml));
+    }
 }
 
 void GroupView::displayDescriptionForNode(Node *node)

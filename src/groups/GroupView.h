@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DomainGroup.h"
+
 #include <QPixmap>
 #include <QWidget>
 
@@ -8,7 +10,6 @@
 
 class ActivityLog;
 class Domain;
-class DomainGroup;
 class GroupOutlineModel;
 class ImageController;
 class ImagePane;
@@ -102,10 +103,14 @@ public:
     QString splitViewRectsKey() const;
     QString lastNodeViewedKey() const;
 
-    const QPixmap &splashImage() const { return _splashImage; }
-    const QPixmap &noDataImage() const { return _noDataImage; }
-    const QPixmap &downloadingImage() const { return _downloadingImage; }
-    const QPixmap &shownImage() const { return _shownImage; }
+    // The group's three placeholder pictures, rendered on first use.
+    QPixmap splashImage() const;
+    QPixmap noDataImage() const;
+    QPixmap downloadingImage() const;
+    QPixmap shownImage() const;
+
+protected:
+    void showEvent(QShowEvent *event) override;
 
 signals:
     // The data-source line was clicked; the address is its text.
@@ -116,8 +121,8 @@ signals:
 private:
     void buildInterface();
     void connectGroup();
-    void loadPlaceholderImages(int groupNumber);
     void showImage(const QPixmap &image);
+    void showPlaceholder(const QString &name);
     void showSplash();
     void restoreExpansion();
     void userExpanded(const QModelIndex &index);
@@ -132,11 +137,10 @@ private:
     ActivityLog *_log;
     std::vector<std::unique_ptr<ImageController>> _imageWindows;
     QString _defaultDescription;
+    QString _descriptionHtml;
+    bool _descriptionPending = false;
 
-    QPixmap _noDataImage;
-    QPixmap _downloadingImage;
-    QPixmap _splashImage;
-    QPixmap _shownImage;
+    DomainGroup::Placeholders _placeholders;
 
     QTreeView *_domainsList = nullptr;
     QSplitter *_splitView = nullptr;

@@ -1,5 +1,7 @@
 #include "ImagePane.h"
 
+#include "support/NamedImage.h"
+
 #include <QPainter>
 
 ImagePane::ImagePane(QWidget *parent) : QWidget(parent)
@@ -10,21 +12,41 @@ ImagePane::ImagePane(QWidget *parent) : QWidget(parent)
 
 void ImagePane::setPixmap(const QPixmap &pixmap)
 {
+    _placeholder.clear();
     _pixmap = pixmap;
     updateGeometry();
     update();
 }
 
+void ImagePane::setPlaceholder(const QString &name)
+{
+    _placeholder = name;
+    _pixmap = QPixmap();
+    updateGeometry();
+    update();
+}
+
+const QPixmap &ImagePane::pixmap() const
+{
+    if (_pixmap.isNull() && !_placeholder.isEmpty())
+        _pixmap = NamedImage::pixmap(_placeholder, devicePixelRatioF());
+    return _pixmap;
+}
+
 QSize ImagePane::sizeHint() const
 {
-    return _pixmap.isNull() ? QSize(480, 360) : _pixmap.deviceIndependentSize().toSize();
+    // The placeholders are all drawn at this size; no need to render one to know it.
+    if (_pixmap.isNull())
+        return QSize(480, 360);
+    return _pixmap.deviceIndependentSize().toSize();
 }
 
 QRect ImagePane::imageRect() const
 {
-    if (_pixmap.isNull())
+    const QPixmap &image = pixmap();
+    if (image.isNull())
         return QRect();
-    QSize shown = _pixmap.deviceIndependentSize().toSize();
+    QSize shown = image.deviceIndependentSize().toSize();
     if (shown.width() > width() || shown.height() > height())
         shown.scale(size(), Qt::KeepAspectRatio);
     return QRect(QPoint((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown);
@@ -32,9 +54,10 @@ QRect ImagePane::imageRect() const
 
 void ImagePane::paintEvent(QPaintEvent *)
 {
-    if (_pixmap.isNull())
+    const QPixmap &image = pixmap();
+    if (image.isNull())
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(imageRect(), _pixmap);
+    painter.drawPixmap(imageRect(), image);
 }

@@ -12,8 +12,11 @@ public:
     explicit ImagePane(QWidget *parent = nullptr);
 
     void setPixmap(const QPixmap &pixmap);
+    // Shows one of the application's named pictures, rendered only when it is first needed, so
+    // that views nobody has looked at yet cost nothing to set up.
+    void setPlaceholder(const QString &name);
     void clear() { setPixmap(QPixmap()); }
-    const QPixmap &pixmap() const { return _pixmap; }
+    const QPixmap &pixmap() const;
     // The rectangle the picture occupies inside the pane.
     QRect imageRect() const;
 
@@ -23,5 +26,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    QPixmap _pixmap;
+    mutable QPixmap _pixmap;
+    QString _placeholder;
 };

@@ -134,7 +134,7 @@ int MoonCommand::run(const QStringList &arguments)
         "full and new moon. Needs no network and no display.\n"
         "DATE is local time (the TZ variable applies): YYYY-MM-DD, YYYY-MM-DDTHH:MM or "
         "YYYY-MM-DDTHH:MM:SS."));
-    const QCommandLineOption help = parser.addHelpOption();
+    parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption dateOption(
         QStringLiteral("date"), QStringLiteral("Describe <DATE> instead of the present moment."),
@@ -148,15 +148,8 @@ int MoonCommand::run(const QStringList &arguments)
 
     if (!parser.parse(QStringList{QStringLiteral("vantorel moon")} + arguments))
         return usageError(parser.errorText());
-    if (parser.isSet(help) || parser.isSet(QStringLiteral("help-all"))) {
-        // The parser names only the program in its usage line; the command word belongs there.
-        QString text = parser.helpText();
-        const QString usage = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
-        if (text.startsWith(usage))
-            text.insert(usage.size(), QStringLiteral(" moon"));
-        print(stdout, text);
+    if (CommandLine::printCommandHelp(parser, QStringLiteral("moon")))
         return CommandLine::Success;
-    }
     if (parser.isSet(version)) {
         print(stdout, CommandLine::versionText());
         return CommandLine::Success;

@@ -5,6 +5,7 @@
 #include "MoonPhasePicture.h"
 #include "MoonText.h"
 #include "support/GeometryText.h"
+#include "support/Settings.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -193,14 +194,14 @@ QString MoonView::formatAgeString() const
 
 void MoonView::loadFrameSize()
 {
-    const QString size = QSettings().value(QLatin1String(kViewSizeKey)).toString();
+    const QString size = Settings::store().value(QLatin1String(kViewSizeKey)).toString();
     if (!size.isEmpty())
         resize(GeometryText::toViewSize(size));
 }
 
 void MoonView::saveFrameSize()
 {
-    QSettings().setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
+    Settings::store().setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
 }
 
 void MoonView::loadStringsFromNib()

@@ -1,11 +1,13 @@
 #include "Node.h"
 
+#include "AtomicFile.h"
 #include "ChunkBuffer.h"
 #include "NetworkAccess.h"
 #include "NodeDelegate.h"
 #include "UpdateTimeText.h"
 #include "app/Preferences.h"
 #include "support/Clock.h"
+#include "support/Settings.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,7 +15,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSaveFile>
 #include <QSettings>
 #include <QTimer>
 #include <QUrl>
@@ -144,7 +145,7 @@ Node::~Node()
 
 void Node::cleanup()
 {
-    QSettings().setValue(lastUpdateKey(_destFileName), _lastUpdateString);
+    Settings::store().setValue(lastUpdateKey(_destFileName), _lastUpdateString);
 }
 
 void Node::removeDataFile()
@@ -180,7 +181,7 @@ QString Node::URL() const
 
 void Node::loadSchedule()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     const QString stored = settings.value(lastUpdateKey(_destFileName)).toString();
     const QDateTime parsed = UpdateTimeText::parseLongLastUpdate(stored);
     if (!stored.isEmpty() && parsed.isValid()) {
@@ -202,7 +203,7 @@ void Node::loadSchedule()
 void Node::setAutoUpdates(bool on)
 {
     _autoUpdates = on;
-    QSettings().setValue(autoUpdateKey(_destFileName), int(on));
+    Settings::store().setValue(autoUpdateKey(_destFileName), int(on));
     calculateNextUpdate();
     if (_delegate)
         _delegate->nodeDidChangeUpdateSettings(this);
@@ -211,7 +212,7 @@ void Node::setAutoUpdates(bool on)
 void Node::setAutoUpdateRate(int rate)
 {
     _autoUpdateRate = rate;
-    QSettings().setValue(autoUpdateRateKey(_destFileName), rate);
+    Settings::store().setValue(autoUpdateRateKey(_destFileName), rate);
     calculateNextUpdate();
     if (_delegate)
         _delegate->nodeDidChangeUpdateSettings(this);
@@ -220,7 +221,7 @@ void Node::setAutoUpdateRate(int rate)
 void Node::setDownloadsAtStartup(bool on)
 {
     _downloadsAtStartup = on;
-    QSettings().setValue(downloadAtStartupKey(_destFileName), int(on));
+    Settings::store().setValue(downloadAtStartupKey(_destFileName), int(on));
 }
 
 int Node::nextUpdateInMinutes() const
@@ -451,10 +452,7 @@ void Node::connectionDidFinishLoading()
                                  QStringLiteral("data length does not match expected size (the "
                                                 "file may not be available at this time)")));
     } else {
-        QSaveFile file(_filePath);
-        const bool written = file.open(QIODevice::WriteOnly) && data.writeTo(file) &&
-                             file.commit();
-        if (!written) {
+        if (!AtomicFile::write(_filePath, data)) {
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());
             reportFailure(failedText(_itemName, QStringLiteral("unable to write file")));
         } else {

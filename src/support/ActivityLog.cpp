@@ -3,6 +3,7 @@
 #include "Clock.h"
 #include "LogEntry.h"
 #include "app/Preferences.h"
+#include "Settings.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -39,7 +40,7 @@ ActivityLog::ActivityLog(QWidget *parent) : QWidget(parent, Qt::Window), _logFie
 
 void ActivityLog::awakeFromNib()
 {
-    const QByteArray frame = QSettings().value(QLatin1String(kFrameKey)).toByteArray();
+    const QByteArray frame = Settings::store().value(QLatin1String(kFrameKey)).toByteArray();
     if (frame.isEmpty() || !restoreGeometry(frame)) {
         if (const QScreen *screen = QGuiApplication::primaryScreen())
             setGeometry(QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size(),
@@ -49,7 +50,7 @@ void ActivityLog::awakeFromNib()
 
 void ActivityLog::saveWindowFrame()
 {
-    QSettings().setValue(QLatin1String(kFrameKey), saveGeometry());
+    Settings::store().setValue(QLatin1String(kFrameKey), saveGeometry());
 }
 
 void ActivityLog::openLogWindow()

@@ -1,6 +1,7 @@
 #include "NamedImage.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -28,6 +29,18 @@ QIcon NamedImage::icon(const QString &name)
 }
 
 QPixmap NamedImage::pixmap(const QString &name, qreal devicePixelRatio)
+{
+    // Rendering artwork costs milliseconds; each picture is rendered once per pixel density.
+    static QHash<QPair<QString, qreal>, QPixmap> rendered;
+    const auto key = qMakePair(name, devicePixelRatio);
+    if (const auto it = rendered.constFind(key); it != rendered.cend())
+        return *it;
+    const QPixmap result = render(name, devicePixelRatio);
+    rendered.insert(key, result);
+    return result;
+}
+
+QPixmap NamedImage::render(const QString &name, qreal devicePixelRatio)
 {
     const QString file = path(name);
     if (file.isEmpty())

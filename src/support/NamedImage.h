@@ -12,9 +12,10 @@ public:
     static bool exists(const QString &name);
     static QIcon icon(const QString &name);
     // The picture at its own size (in points), for the given device pixel ratio; a null pixmap
-    // when there is no artwork of that name.
+    // when there is no artwork of that name. Rendered once, then served from memory.
     static QPixmap pixmap(const QString &name, qreal devicePixelRatio = 1.0);
 
 private:
     static QString path(const QString &name);
+    static QPixmap render(const QString &name, qreal devicePixelRatio);
 };

@@ -174,7 +174,11 @@ void TestHostile::endlessData()
     writeGoodCopy();
     RecordingDelegate delegate;
     auto node = make(server.url(), &delegate);
-    QVERIFY2(runWithProbe(node.get(), 120000) > 0, "the transfer did not end");
+    const int ticks = runWithProbe(node.get(), 120000);
+    QVERIFY2(ticks >= 0, "the transfer did not end");
+    // A quarter of a gigabyte takes a while: the event loop must have kept turning meanwhile.
+    if (QTest::currentDataTag() == QLatin1String("endless data"))
+        QVERIFY(ticks > 0);
     QCOMPARE(delegate.failures.size(), 1);
     QCOMPARE(delegate.failures.first(),
              QStringLiteral("Download of \"Kept\" Failed: %1 %2").arg(reason, server.url()));
@@ -220,7 +224,8 @@ void TestHostile::misbehavingServers()
     auto node = make(_server->url("hostile"), &delegate);
     const int ticks = runWithProbe(node.get(), 60000);
     QVERIFY2(ticks >= 0, "the transfer did not end");
-    QVERIFY(ticks > 0); // the event loop kept turning meanwhile
+    if (QTest::currentDataTag() == QLatin1String("headers without end"))
+        QVERIFY(ticks > 0); // the event loop kept turning while the headers poured in
 
     QCOMPARE(delegate.failures.size(), 1);
     QVERIFY(delegate.failures.first().startsWith(QStringLiteral("Download of \"Kept\" Failed: ")));

@@ -3,6 +3,7 @@
 #include "app/Preferences.h"
 #include "app/ResourceLocator.h"
 #include "support/Clock.h"
+#include "support/Settings.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -107,7 +108,7 @@ QString TestEnvironment::makeFolder(const QString &name)
 
 void TestEnvironment::resetState()
 {
-    QSettings settings;
+    QSettings &settings = Settings::store();
     settings.clear();
     settings.sync();
     Preferences::shared().reset();

@@ -1,0 +1,240 @@
+// Main-thread stalls: a 1-ms timer in the application's own thread ticks while the user switches
+// views and five large transfers (one per group) arrive; the longest gap between two ticks is how
+// long the interface could not answer. Three phases of the same process, each with the same probe:
+// idle (window shown, nothing happening), switching views only, and switching views while the five
+// transfers run, until all five are done.
+
+#include "HarnessApp.h"
+
+#include "app/AppController.h"
+#include "app/AppCore.h"
+#include "groups/DomainGroup.h"
+#include "groups/FlatGroup.h"
+#include "groups/GroupOutlineModel.h"
+#include "groups/GroupView.h"
+#include "nodes/Node.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QTimer>
+#include <QTreeView>
+
+#include <algorithm>
+#include <functional>
+#include <cstdio>
+
+namespace {
+
+struct Gap {
+    double start;
+    double length;
+};
+
+class Probe : public QObject {
+public:
+    Probe()
+    {
+        _timer.setTimerType(Qt::PreciseTimer);
+        _timer.setInterval(1);
+        connect(&_timer, &QTimer::timeout, this, [this] {
+            const double now = Harness::nowMs();
+            _gaps.push_back({_last, now - _last});
+            _last = now;
+        });
+    }
+    void start()
+    {
+        _gaps.clear();
+        _last = Harness::nowMs();
+        _timer.start();
+    }
+    std::vector<Gap> stop()
+    {
+        _timer.stop();
+        return std::move(_gaps);
+    }
+
+private:
+    QTimer _timer;
+    std::vector<Gap> _gaps;
+    double _last = 0;
+};
+
+struct Event {
+    double at;
+    QString what;
+};
+
+QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &events, double phaseStart)
+{
+    std::vector<double> lengths;
+    for (const Gap &gap : gaps)
+        lengths.push_back(gap.length);
+    std::vector<Gap> longest = gaps;
+    std::sort(longest.begin(), longest.end(),
+              [](const Gap &a, const Gap &b) { return a.length > b.length; });
+    longest.resize(std::min<size_t>(longest.size(), 5));
+
+    QJsonArray worst;
+    for (const Gap &gap : longest) {
+        // What happened last before the gap began, or during it.
+        QString context = QStringLiteral("-");
+        for (const Event &event : events) {
+            if (event.at <= gap.start + gap.length)
+                context = event.what + QStringLiteral(" at +%1 ms").arg(event.at - phaseStart, 0, 'f', 1);
+        }
+        worst.append(QJsonObject{{QStringLiteral("gap_ms"), gap.length},
+                                 {QStringLiteral("at_ms"), gap.start - phaseStart},
+                                 {QStringLiteral("after"), context}});
+    }
+    std::sort(lengths.begin(), lengths.end());
+    const auto percentile = [&](double p) {
+        return lengths.empty() ? 0.0 : lengths[std::min(lengths.size() - 1, size_t(p * double(lengths.size())))];
+    };
+    int over = 0;
+    for (const double length : lengths)
+        over += length >= 20.0 ? 1 : 0;
+    return QJsonObject{{QStringLiteral("ticks"), double(lengths.size())},
+                       {QStringLiteral("max_gap_ms"), lengths.empty() ? 0.0 : lengths.back()},
+                       {QStringLiteral("p99_gap_ms"), percentile(0.99)},
+                       {QStringLiteral("p999_gap_ms"), percentile(0.999)},
+                       {QStringLiteral("gaps_over_20_ms"), over},
+                       {QStringLiteral("worst"), worst}};
+}
+
+Node *bigNode(NodeGroup *group)
+{
+    for (Node *node : group->allNodes()) {
+        if (node->fileName().startsWith(QLatin1String("big-")))
+            return node;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+int runStallBench(const QStringList &arguments)
+{
+    if (arguments.size() != 4)
+        return Harness::usage("stall DEFINITIONS DATA PHASE-MS SWITCH-MS");
+    const int phaseMs = arguments.at(2).toInt();
+    const int switchMs = arguments.at(3).toInt();
+
+    AppController *controller = Harness::startApplication(arguments.at(0), arguments.at(1));
+    AppCore *core = controller->core();
+    const QList<GroupView *> imageViews{controller->sunView(), controller->graphView(),
+                                        controller->auroraView(), controller->earthView()};
+    QList<Node *> transfers;
+    for (NodeGroup *group : core->groupsInViewOrder()) {
+        Node *node = bigNode(group);
+        if (!node) {
+            std::fprintf(stderr, "vantorel-bench-harness: group %s has no big- node\n",
+                         qPrintable(group->groupName()));
+            return 1;
+        }
+        transfers.append(node);
+    }
+
+    std::vector<Event> events;
+    // What the user does, one thing per tick of the switcher: first select the downloading node in
+    // each image view (its data is missing, so selecting it starts the download, as it does for a
+    // user) and start the Alerts group's large file while its view shows a report; then go on
+    // switching views in turn.
+    QList<std::function<void()>> script;
+    int view = 0;
+    QTimer switcher;
+    switcher.setInterval(switchMs);
+    QObject::connect(&switcher, &QTimer::timeout, [&] {
+        const double start = Harness::nowMs();
+        if (!script.isEmpty()) {
+            script.takeFirst()();
+            return;
+        }
+        view = (view + 1) % 6;
+        controller->setGroupView(view);
+        events.push_back({start, QStringLiteral("switch to view %1").arg(view)});
+    });
+    Probe probe;
+    QJsonObject result;
+
+    // Idle.
+    probe.start();
+    double phaseStart = Harness::nowMs();
+    Harness::processEventsFor(phaseMs);
+    result[QStringLiteral("idle")] = summary(probe.stop(), events, phaseStart);
+
+    // Switching views, nothing else.
+    events.clear();
+    probe.start();
+    phaseStart = Harness::nowMs();
+    switcher.start();
+    Harness::processEventsFor(phaseMs);
+    switcher.stop();
+    controller->setGroupView(0);
+    Harness::processEventsFor(300);
+    result[QStringLiteral("switching")] = summary(probe.stop(), events, phaseStart);
+
+    // Switching views while five large transfers arrive.
+    events.clear();
+    int finished = 0;
+    double lastFinish = 0;
+    for (NodeGroup *group : core->groupsInViewOrder()) {
+        const auto done = [&, group](Node *node, const QString &what) {
+            if (!transfers.contains(node))
+                return;
+            ++finished;
+            lastFinish = Harness::nowMs();
+            events.push_back({lastFinish, QStringLiteral("%1 %2").arg(group->groupName(), what)});
+        };
+        QObject::connect(group, &NodeGroup::nodeDataLoaded, controller,
+                         [done](Node *node) { done(node, QStringLiteral("transfer done")); });
+        QObject::connect(group, &NodeGroup::nodeDownloadFailed, controller,
+                         [done](Node *node, const QString &) { done(node, QStringLiteral("transfer failed")); });
+    }
+    for (int i = 0; i < imageViews.size(); ++i) {
+        script.append([&, i] {
+            const double start = Harness::nowMs();
+            controller->setGroupView(i);
+            GroupView *groupView = imageViews.at(i);
+            groupView->domainsList()->setCurrentIndex(
+                groupView->outlineModel()->indexForNode(transfers.at(i)));
+            events.push_back({start, QStringLiteral("show %1, select its large node").arg(groupView->groupName())});
+        });
+    }
+    script.append([&] {
+        const double start = Harness::nowMs();
+        view = 4;
+        controller->setGroupView(view);
+        core->alertsGroup()->addNodeToDownloadQueue(transfers.at(4));
+        events.push_back({start, QStringLiteral("show Alerts, queue its large file")});
+    });
+    probe.start();
+    phaseStart = Harness::nowMs();
+    switcher.start();
+    Harness::runEventLoopUntil(
+        [&] { return finished == transfers.size() && Harness::nowMs() >= lastFinish + 500; },
+        120000, 50);
+    switcher.stop();
+    const double transferMs = lastFinish - phaseStart;
+    QJsonObject during = summary(probe.stop(), events, phaseStart);
+    during[QStringLiteral("transfers_ms")] = transferMs;
+
+    int arrived = 0;
+    qint64 bytes = 0;
+    for (Node *node : transfers) {
+        const QFileInfo file(node->filePath());
+        if (file.exists()) {
+            ++arrived;
+            bytes += file.size();
+        }
+    }
+    during[QStringLiteral("transfers_arrived")] = arrived;
+    during[QStringLiteral("bytes")] = double(bytes);
+    result[QStringLiteral("transfers")] = during;
+    result[QStringLiteral("ok")] = arrived == transfers.size();
+    Harness::printJson(result);
+    Harness::stopApplication(controller);
+    return arrived == transfers.size() ? 0 : 1;
+}

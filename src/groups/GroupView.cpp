@@ -584,7 +584,7 @@ void GroupView::saveNodeImage()
     if (!node || node->fileType() != 0)
         return;
     auto *panel = new QFileDialog(window(), tr("Save a Copy"),
-                                  QDir::home().filePath(node->fileName()));
+                                  Node::pathInFolder(QDir::homePath(), node->fileName()));
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setAcceptMode(QFileDialog::AcceptSave);
     panel->setFileMode(QFileDialog::AnyFile);

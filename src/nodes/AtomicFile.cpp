@@ -1,33 +1,58 @@
 #include "AtomicFile.h"
 
-#include "ChunkBuffer.h"
-
 #include <QFileInfo>
 #include <QTemporaryFile>
 
 #include <cstdio>
 
-bool AtomicFile::write(const QString &path, const ChunkBuffer &data)
+AtomicFile::AtomicFile(const QString &path) : _path(path) {}
+
+// The temporary file, unless committed, goes with the QTemporaryFile.
+AtomicFile::~AtomicFile() = default;
+
+void AtomicFile::append(const QByteArray &chunk)
 {
-    const QFileInfo target(path);
-    QTemporaryFile temporary(target.absolutePath() + QLatin1Char('/') + target.fileName() +
-                             QStringLiteral(".XXXXXX"));
-    temporary.setAutoRemove(true);
-    if (!temporary.open())
-        return false;
-    if (!data.writeTo(temporary) || !temporary.flush())
+    _size += chunk.size();
+    if (_failed || chunk.isEmpty())
+        return;
+    if (!_file) {
+        // Opened with the first bytes: a transfer that fails before any arrive leaves nothing.
+        const QFileInfo target(_path);
+        _file = std::make_unique<QTemporaryFile>(target.absolutePath() + QLatin1Char('/') +
+                                                 target.fileName() + QStringLiteral(".XXXXXX"));
+        _file->setAutoRemove(true);
+        if (!_file->open()) {
+            _failed = true;
+            return;
+        }
+    }
+    if (_file->write(chunk) != chunk.size())
+        _failed = true;
+}
+
+void AtomicFile::clear()
+{
+    _size = 0;
+    _failed = false;
+    if (_file && _file->isOpen() && (!_file->resize(0) || !_file->seek(0)))
+        _failed = true;
+}
+
+bool AtomicFile::commit()
+{
+    if (_failed || !_file || !_file->flush())
         return false;
     // A replacement keeps the permissions of what it replaces; a new file is readable by all,
     // as files made by the user's other programs are.
     const QFileDevice::Permissions permissions =
-        target.exists() ? QFile::permissions(path)
-                        : QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                              QFileDevice::ReadGroup | QFileDevice::ReadOther;
-    temporary.setPermissions(permissions);
-    temporary.close();
-    if (std::rename(QFile::encodeName(temporary.fileName()).constData(),
-                    QFile::encodeName(path).constData()) != 0)
+        QFileInfo::exists(_path) ? QFile::permissions(_path)
+                                 : QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                       QFileDevice::ReadGroup | QFileDevice::ReadOther;
+    _file->setPermissions(permissions);
+    _file->close();
+    if (std::rename(QFile::encodeName(_file->fileName()).constData(),
+                    QFile::encodeName(_path).constData()) != 0)
         return false;
-    temporary.setAutoRemove(false);
+    _file->setAutoRemove(false);
     return true;
 }

@@ -2,11 +2,18 @@
 
 #include <QString>
 
-class ChunkBuffer;
+#include <memory>
 
-// Replaces a data file in one step: anyone reading it sees the old file or the new one, never
-// part of either, also when the process is killed in the middle. The data is written to a
-// temporary file beside the target ("name.XXXXXX"), which is then renamed over it.
+class QByteArray;
+class QTemporaryFile;
+
+// A data file's replacement, written while its bytes arrive and put in place in one step: anyone
+// reading the data file sees the old file or the new one, never part of either, also when the
+// process is killed in the middle. The bytes go to a temporary file beside the target
+// ("name.XXXXXX"), which commit() renames over it; one that is never committed is removed.
+//
+// Writing as the bytes arrive keeps a large transfer out of memory and spreads the cost of
+// writing it over its deliveries, instead of one long pause of the event loop at the end.
 //
 // The data is not forced to the disk before the rename. A data file is a cache of something the
 // network can give again; waiting for the disk on every download stalled the event loop for
@@ -14,5 +21,25 @@ class ChunkBuffer;
 // power cut.
 class AtomicFile {
 public:
-    static bool write(const QString &path, const ChunkBuffer &data);
+    explicit AtomicFile(const QString &path);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile &) = delete;
+    AtomicFile &operator=(const AtomicFile &) = delete;
+
+    // Adds bytes at the end. A failure to write is remembered for commit(); the bytes still
+    // count in size(), which is what the transfer delivered.
+    void append(const QByteArray &chunk);
+    // Forgets everything appended so far.
+    void clear();
+    qint64 size() const { return _size; }
+    bool isEmpty() const { return _size == 0; }
+    // Puts the bytes in place of the target; false (and the target untouched) when any write
+    // failed or the rename did.
+    bool commit();
+
+private:
+    QString _path;
+    std::unique_ptr<QTemporaryFile> _file;
+    qint64 _size = 0;
+    bool _failed = false;
 };

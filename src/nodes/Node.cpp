@@ -1,7 +1,6 @@
 #include "Node.h"
 
 #include "AtomicFile.h"
-#include "ChunkBuffer.h"
 #include "NetworkAccess.h"
 #include "NodeDelegate.h"
 #include "UpdateTimeText.h"
@@ -98,6 +97,13 @@ QString Node::definitionProblem(const QVariantMap &dict)
     return QString();
 }
 
+QString Node::pathInFolder(const QString &folder, const QString &name)
+{
+    if (folder.isEmpty())
+        return QStringLiteral("./") + name;
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+}
+
 std::unique_ptr<Node> Node::create(const QVariantMap &dict, NodeDelegate *delegate,
                                    const QString &dataFolderPath, bool overrideDataMismatch)
 {
@@ -119,7 +125,7 @@ Node::Node(const QVariantMap &dict, NodeDelegate *delegate, const QString &dataF
     _dataFolderPath = dataFolderPath;
 
     _sourceURL = stringValue(dict, "URL") + stringValue(dict, "SourceFileName");
-    _filePath = QDir(_dataFolderPath).filePath(_destFileName);
+    _filePath = pathInFolder(_dataFolderPath, _destFileName);
     _fileType = integerValue(_dict.value(QStringLiteral("FileType")));
     _overrideDataMismatch = overrideDataMismatch;
 
@@ -320,7 +326,7 @@ void Node::beginDownloadingData()
     // event loop.
     reply->setReadBufferSize(kReadBufferSize);
     _download = reply;
-    _receivedData = std::make_unique<ChunkBuffer>();
+    _receivedData = std::make_unique<AtomicFile>(_filePath);
     connect(reply, &QNetworkReply::metaDataChanged, this, &Node::connectionDidReceiveResponse);
     connect(reply, &QNetworkReply::readyRead, this, &Node::connectionDidReceiveData);
     connect(reply, &QNetworkReply::finished, this, &Node::transferFinished);
@@ -439,7 +445,7 @@ void Node::connectionDidFinishLoading()
     setLastUpdateNow();
     calculateNextUpdate();
 
-    const ChunkBuffer &data = *_receivedData;
+    AtomicFile &data = *_receivedData;
     if (data.isEmpty()) {
         setStatusMessage(QStringLiteral("Err"), errorStatusLong());
         reportFailure(failedText(
@@ -452,7 +458,7 @@ void Node::connectionDidFinishLoading()
                                  QStringLiteral("data length does not match expected size (the "
                                                 "file may not be available at this time)")));
     } else {
-        if (!AtomicFile::write(_filePath, data)) {
+        if (!data.commit()) {
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());
             reportFailure(failedText(_itemName, QStringLiteral("unable to write file")));
         } else {

@@ -11,7 +11,7 @@
 
 #include <memory>
 
-class ChunkBuffer;
+class AtomicFile;
 class NodeDelegate;
 class QNetworkReply;
 class QTimer;
@@ -89,11 +89,15 @@ public:
     static QString autoUpdateRateKey(const QString &destFileName);
     static QString downloadAtStartupKey(const QString &destFileName);
 
+    // A file directly inside a folder. Unlike QDir::filePath, a name that Qt would read as a
+    // resource path (":name") or as absolute stays a name inside the folder.
+    static QString pathInFolder(const QString &folder, const QString &name);
+
     static QString checkMark();
     static QString errorStatusLong();
 
     // A transfer that grows past this is stopped: a broken or hostile server must not be able to
-    // exhaust memory, and no real image or bulletin comes near it.
+    // fill the disk, and no real image or bulletin comes near it.
     static constexpr qint64 kMaximumDataSize = qint64(256) * 1024 * 1024;
     static constexpr qint64 kReadBufferSize = qint64(1) * 1024 * 1024;
 
@@ -133,7 +137,8 @@ private:
     bool _downloadsAtStartup = false;
     bool _overrideDataMismatch = false;
     QPointer<QNetworkReply> _download;
-    std::unique_ptr<ChunkBuffer> _receivedData;
+    // The bytes of the transfer in progress, written as they arrive.
+    std::unique_ptr<AtomicFile> _receivedData;
     bool _isDownloading = false;
     QString _sourceURL;
     QString _filePath;

@@ -138,8 +138,13 @@ private:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("the last good copy");
     }
+    // The data file's contents; or, when anything else was left beside it (a temporary file of the
+    // failed transfer), the names of what is there, so that the comparison fails and says why.
     QByteArray goodCopy() const
     {
+        const QStringList left = QDir(_folder).entryList(QDir::Files | QDir::Hidden);
+        if (left != QStringList{QStringLiteral("kept.bin")})
+            return "left in the data folder: " + left.join(QLatin1Char(' ')).toUtf8();
         QFile file(QDir(_folder).filePath(QStringLiteral("kept.bin")));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
@@ -183,8 +188,9 @@ void TestHostile::endlessData()
     QCOMPARE(delegate.failures.first(),
              QStringLiteral("Download of \"Kept\" Failed: %1 %2").arg(reason, server.url()));
     QCOMPARE(goodCopy(), QByteArray("the last good copy"));
-    // Bounded: the limit and what the network layer buffers, not what the server offered.
-    QVERIFY(peakResidentKilobytes() < 768 * 1024);
+    // Bounded: the bytes go to disk as they arrive, so memory holds what the network layer
+    // buffers, far less than the quarter of a gigabyte the server sent.
+    QVERIFY(peakResidentKilobytes() < 160 * 1024);
 }
 
 void TestHostile::misbehavingServers_data()

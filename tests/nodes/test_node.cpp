@@ -119,6 +119,9 @@ void TestNode::definitionProblems_data()
     QTest::newRow("a dictionary") << "" << QVariant(QVariantMap{{"x", 1}}) << false;
     QTest::newRow("a number is a name") << "" << QVariant(42) << true;
     QTest::newRow("dots inside") << "" << QVariant(QStringLiteral("a..b.txt")) << true;
+    // Found by fuzzing: Qt reads a path that starts with a colon as one of its resources.
+    QTest::newRow("leading colon") << "" << QVariant(QStringLiteral(":forecast.txt")) << true;
+    QTest::newRow("leading tilde") << "" << QVariant(QStringLiteral("~forecast.txt")) << true;
 }
 
 void TestNode::definitionProblems()
@@ -131,7 +134,18 @@ void TestNode::definitionProblems()
     if (!dest.isValid() || !removeKey.isEmpty())
         dict.remove(removeKey.isEmpty() ? QStringLiteral("DestFileName") : removeKey);
     QCOMPARE(Node::definitionProblem(dict).isEmpty(), accepted);
-    QCOMPARE(bool(make(dict)), accepted);
+    const std::unique_ptr<Node> node = make(dict);
+    QCOMPARE(bool(node), accepted);
+    if (!node)
+        return;
+    // Whatever the name, the data file is that name directly inside the data folder.
+    const QFileInfo file(node->filePath());
+    QCOMPARE(file.absolutePath(), QFileInfo(_folder).absoluteFilePath());
+    QCOMPARE(file.fileName(), dest.toString());
+    QFile out(node->filePath());
+    QVERIFY(out.open(QIODevice::WriteOnly));
+    out.close();
+    QVERIFY(node->fileDownloaded());
 }
 
 void TestNode::initialStatusWithoutCallback_data()

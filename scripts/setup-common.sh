@@ -13,6 +13,7 @@ VANTOREL_PACKAGES=(
     libplist-dev
     fonts-dejavu-core
     desktop-file-utils appstream
+    dpkg-dev  # dpkg-shlibdeps: the Debian package's library dependencies
 )
 
 vantorel_missing_packages() {

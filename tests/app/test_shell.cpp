@@ -29,6 +29,7 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QToolBar>
+#include <QTreeView>
 #include <QtTest>
 
 // The shell around the views: the toolbar and its customisation, view switching, the menus'
@@ -59,6 +60,7 @@ private slots:
     void linkField_data();
     void linkField();
     void linkHover();
+    void backgroundClickTakesFocus();
 
 private:
     void start()
@@ -471,6 +473,23 @@ void TestShell::linkHover()
     QApplication::sendEvent(&field, &leave);
     QCOMPARE(field.textColour(), field.restingColour());
     QCOMPARE(field.cursor().shape(), Qt::ArrowCursor);
+}
+
+void TestShell::backgroundClickTakesFocus()
+{
+    start();
+    _controller->setGroupView(0);
+    MainWindow *window = _controller->window();
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    window->activateWindow();
+    QTreeView *outline = _controller->sunView()->domainsList();
+    outline->setFocus(Qt::OtherFocusReason);
+    QTRY_COMPARE(QApplication::focusWidget(), outline);
+
+    // A click that no control takes reaches the window: the control that had the focus loses it.
+    QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(window->width() / 2, 2));
+    QCOMPARE(QApplication::focusWidget(), window->centralWidget());
 }
 
 VANTOREL_TEST_MAIN(TestShell)

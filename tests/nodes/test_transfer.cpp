@@ -125,6 +125,12 @@ void TestTransfer::failuresKeepTheOldFile_data()
     QTest::newRow("connection reset midway") << s << QString() << false;
 
     s = {};
+    s.declaredLength = 1000;
+    s.chunks = {TestHttpServer::bytes(400)};
+    s.pauseMs = 1; // then the server closes the connection in the ordinary way
+    QTest::newRow("closed early") << s << QString() << false;
+
+    s = {};
     s.status = 404;
     s.reason = "Not Found";
     s.chunks = {"<html>error page</html>"};

@@ -11,6 +11,7 @@
 #include "ResourceLocator.h"
 #include "ToolbarItems.h"
 #include "alerts/AlertsView.h"
+#include "groups/DomainGroup.h"
 #include "groups/FlatGroup.h"
 #include "groups/GroupView.h"
 #include "moon/MoonView.h"
@@ -338,6 +339,15 @@ void AppController::applicationDidFinishLaunching()
     _window->show();
     _window->raise();
     _window->activateWindow();
+
+    // The placeholder pictures of every image view, rendered once the window is up, so that the
+    // first switch to a view or the first missing item does not stop to draw them.
+    QStringList placeholders;
+    for (int group = 0; group < 4; ++group) {
+        const DomainGroup::Placeholders names = DomainGroup::placeholdersForGroup(group);
+        placeholders << names.splash << names.downloading << names.noData;
+    }
+    NamedImage::renderInIdleTime(placeholders, _window->devicePixelRatioF(), 1000);
 }
 
 void AppController::windowShouldClose()

@@ -37,9 +37,16 @@ void MoonImageView::paintEvent(QPaintEvent *)
     const int octant = MoonPhasePicture::phaseForName(_imageName);
     if (octant < 0)
         return;
-    // Drawn straight onto the widget: the painter works in device-independent pixels and the
-    // paths are rasterised at the screen's own density.
-    QPainter painter(this);
-    const QRectF area = QRectF(rect()).adjusted(4, 4, -4, -4);
-    MoonPhasePicture::paint(painter, area, octant);
+    // Drawn at the screen's own density, so that it stays crisp on high-density screens.
+    const qreal dpr = devicePixelRatioF();
+    if (octant != _drawnOctant || _drawn.deviceIndependentSize() != QSizeF(size()) ||
+        _drawn.devicePixelRatio() != dpr) {
+        _drawn = QPixmap(size() * dpr);
+        _drawn.setDevicePixelRatio(dpr);
+        _drawn.fill(Qt::transparent);
+        QPainter painter(&_drawn);
+        MoonPhasePicture::paint(painter, QRectF(rect()).adjusted(4, 4, -4, -4), octant);
+        _drawnOctant = octant;
+    }
+    QPainter(this).drawPixmap(0, 0, _drawn);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPixmap>
 #include <QString>
 #include <QWidget>
 
@@ -24,4 +25,9 @@ protected:
 
 private:
     QString _imageName;
+    // The picture as last drawn, for its octant, size and pixel density: the gradients and
+    // shading take milliseconds to draw, and the view is repainted far more often than the
+    // phase or its size changes.
+    QPixmap _drawn;
+    int _drawnOctant = -1;
 };

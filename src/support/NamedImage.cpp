@@ -1,9 +1,11 @@
 #include "NamedImage.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QHash>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QTimer>
 
 QString NamedImage::path(const QString &name)
 {
@@ -38,6 +40,16 @@ QPixmap NamedImage::pixmap(const QString &name, qreal devicePixelRatio)
     const QPixmap result = render(name, devicePixelRatio);
     rendered.insert(key, result);
     return result;
+}
+
+void NamedImage::renderInIdleTime(const QStringList &names, qreal devicePixelRatio, int delayMs)
+{
+    if (names.isEmpty() || !QCoreApplication::instance())
+        return;
+    QTimer::singleShot(delayMs, QCoreApplication::instance(), [names, devicePixelRatio] {
+        pixmap(names.first(), devicePixelRatio);
+        renderInIdleTime(names.mid(1), devicePixelRatio, 0);
+    });
 }
 
 QPixmap NamedImage::render(const QString &name, qreal devicePixelRatio)

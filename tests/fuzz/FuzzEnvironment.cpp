@@ -63,3 +63,9 @@ QString FuzzEnvironment::makeFolder(const QString &name)
     QDir().mkpath(path);
     return path;
 }
+
+void FuzzEnvironment::check(bool condition)
+{
+    if (!condition)
+        std::abort();
+}

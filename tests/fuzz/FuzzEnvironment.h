@@ -15,4 +15,7 @@ public:
     static QString home();
     // A new empty folder inside the temporary home.
     static QString makeFolder(const QString &name);
+    // A property every input must keep: when it does not hold, the run stops with the input
+    // saved, as for a crash.
+    static void check(bool condition);
 };

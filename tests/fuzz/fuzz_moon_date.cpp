@@ -14,15 +14,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace {
-
-void check(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-} // namespace
+constexpr auto check = &FuzzEnvironment::check;
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {

@@ -1,4 +1,5 @@
 #include "TestEnvironment.h"
+#include "TestHttpServer.h"
 
 #include "alerts/AlertsView.h"
 #include "app/AboutBox.h"
@@ -6,6 +7,7 @@
 #include "app/AppCore.h"
 #include "app/MainWindow.h"
 #include "app/Preferences.h"
+#include "app/ResourceLocator.h"
 #include "groups/Domain.h"
 #include "groups/DomainGroup.h"
 #include "groups/FlatGroup.h"
@@ -31,6 +33,7 @@
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStandardPaths>
+#include <QTreeView>
 #include <QtTest>
 
 #include <csignal>
@@ -54,6 +57,7 @@ private slots:
     void emptyCacheAsksFirst_data();
     void emptyCacheAsksFirst();
     void aboutLinksOpenThenClose();
+    void hiddenViewKeepsWorking();
     void signalsShutDownInOrder_data();
     void signalsShutDownInOrder();
     // Last: it runs the application's event loop to its end.
@@ -289,6 +293,34 @@ void TestAppController::aboutLinksOpenThenClose()
              QStringLiteral("USD"));
     for (const QUrl &url : catcher.opened)
         QVERIFY(url.isValid());
+}
+
+void TestAppController::hiddenViewKeepsWorking()
+{
+    TestHttpServer server;
+    server.serve("/sun.png", QByteArray(5000, 'x'));
+    const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
+    QVERIFY(TestEnvironment::writePropertyList(
+        definitions + QStringLiteral("/DataSun.plist"),
+        {{"Domain0", QVariantMap{{"DomainName", "Disc"},
+                                 {"Node0", TestEnvironment::nodeDict(QStringLiteral("sun.png"),
+                                                                     QStringLiteral("Disc"),
+                                                                     server.baseUrl(),
+                                                                     QStringLiteral("sun.png"))}}}}));
+    ResourceLocator::setDefinitionsFolder(definitions);
+    start();
+    _controller->setGroupView(5); // the Moon view on screen, the Sun view hidden
+
+    // A download in the hidden Sun view runs to its end, and its outline row shows the outcome.
+    Node *node = _controller->core()->sunGroup()->allNodes().value(0);
+    QVERIFY(node);
+    _controller->sunView()->group()->addNodeToDownloadQueue(node);
+    QTRY_COMPARE(node->itemStatus(), QString(QChar(0x221A)));
+    const QAbstractItemModel *outline = _controller->sunView()->domainsList()->model();
+    const QModelIndex domain = outline->index(0, 0);
+    QCOMPARE(outline->index(0, 1, domain).data().toString(), QString(QChar(0x221A)));
+    QVERIFY(QFileInfo(node->filePath()).size() == 5000);
+    QCOMPARE(_controller->lastView(), 5);
 }
 
 void TestAppController::signalsShutDownInOrder_data()

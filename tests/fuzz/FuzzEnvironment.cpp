@@ -1,5 +1,7 @@
 #include "FuzzEnvironment.h"
 
+#include "../support/HomeEnvironment.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
@@ -33,11 +35,7 @@ void FuzzEnvironment::setUp()
         std::abort();
     }
     const QByteArray home = homeDir()->path().toLocal8Bit();
-    setenv("HOME", home.constData(), 1);
-    setenv("XDG_CONFIG_HOME", (home + "/.config").constData(), 1);
-    setenv("XDG_DATA_HOME", (home + "/.local/share").constData(), 1);
-    setenv("XDG_CACHE_HOME", (home + "/.cache").constData(), 1);
-    setenv("XDG_STATE_HOME", (home + "/.local/state").constData(), 1);
+    pointHomeAt(home);
     // Dates are read and written as local time; a zone with summer time exercises the hour that
     // is skipped and the one that comes twice. Fixed here, so that a reproducer behaves the same
     // on every machine.

@@ -1,5 +1,6 @@
 #include "TestEnvironment.h"
 
+#include "HomeEnvironment.h"
 #include "app/Preferences.h"
 #include "app/ResourceLocator.h"
 #include "support/Clock.h"
@@ -66,11 +67,7 @@ void TestEnvironment::setUp()
 {
     homeDir() = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantorel-test-XXXXXX"));
     const QByteArray home = homeDir()->path().toLocal8Bit();
-    setenv("HOME", home.constData(), 1);
-    setenv("XDG_CONFIG_HOME", (home + "/.config").constData(), 1);
-    setenv("XDG_DATA_HOME", (home + "/.local/share").constData(), 1);
-    setenv("XDG_CACHE_HOME", (home + "/.cache").constData(), 1);
-    setenv("XDG_STATE_HOME", (home + "/.local/state").constData(), 1);
+    pointHomeAt(home);
     setenv("XDG_RUNTIME_DIR", (home + "/runtime").constData(), 1);
     QDir().mkpath(homeDir()->path() + QStringLiteral("/runtime"));
     QFile::setPermissions(homeDir()->path() + QStringLiteral("/runtime"),

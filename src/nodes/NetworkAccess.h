@@ -9,5 +9,8 @@ class QNetworkAccessManager;
 class NetworkAccess {
 public:
     static QNetworkAccessManager *manager();
+    // Ends every connection and the manager's network thread now, while the event loop can
+    // still finish their teardown; manager() makes a new one if it is asked for again.
+    static void shutdown();
     static QByteArray userAgent();
 };

@@ -37,10 +37,7 @@ private:
     Result report(const QStringList &arguments, const QString &workingDirectory = {})
     {
         QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove(QStringLiteral("DISPLAY"));
-        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        QProcessEnvironment env = TestEnvironment::headlessEnvironment();
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(workingDirectory.isEmpty() ? _work : workingDirectory);
         process.start(QStringLiteral(VANTOREL_BINARY), QStringList{QStringLiteral("report")} + arguments);

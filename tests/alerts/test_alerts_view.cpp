@@ -126,10 +126,7 @@ void TestAlertsView::init()
 {
     TestEnvironment::resetState();
     _server = std::make_unique<TestHttpServer>();
-    TestHttpServer::Script stall;
-    stall.declaredLength = 100;
-    stall.stallAfterHeaders = true;
-    _server->route("/stall", stall);
+    _server->stall("/stall");
     _server->serve("/daily", kDailyReport);
     _server->serve("/weekly", kWeeklyReport);
     TestHttpServer::Script gone;

@@ -1,4 +1,5 @@
 #include "TestEnvironment.h"
+#include "UrlCatcher.h"
 #include "TestHttpServer.h"
 
 #include "alerts/AlertsView.h"
@@ -180,18 +181,6 @@ void TestAppController::southernHemisphereReachesTheMoon()
     _controller->setSouthernHemisphere(false);
     QVERIFY(!_controller->moonView()->southernHemisphere());
 }
-
-namespace {
-
-// Stands in for the desktop's browser and mail program.
-class UrlCatcher : public QObject {
-    Q_OBJECT
-public:
-    QList<QUrl> opened;
-    Q_INVOKABLE void open(const QUrl &url) { opened << url; }
-};
-
-} // namespace
 
 void TestAppController::forwardedCommandsNeedAnImageView()
 {

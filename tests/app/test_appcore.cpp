@@ -88,10 +88,7 @@ void TestAppCore::init()
 {
     TestEnvironment::resetState();
     _server = std::make_unique<TestHttpServer>();
-    TestHttpServer::Script stall;
-    stall.declaredLength = 100;
-    stall.stallAfterHeaders = true;
-    _server->route("/stall", stall);
+    _server->stall("/stall");
     _core = std::make_unique<AppCore>();
     _core->setDataFolderOverride(TestEnvironment::makeFolder(QStringLiteral("data")));
     _core->prepareDataFolder();

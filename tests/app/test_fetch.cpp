@@ -34,10 +34,7 @@ private:
     Result fetch(const QStringList &arguments)
     {
         QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove(QStringLiteral("DISPLAY"));
-        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        QProcessEnvironment env = TestEnvironment::headlessEnvironment();
         process.setProcessEnvironment(env);
         process.start(QStringLiteral(VANTOREL_BINARY), QStringList{QStringLiteral("fetch")} + arguments);
         if (!process.waitForStarted())

@@ -32,8 +32,6 @@ private slots:
     void badEntriesSkipped();
     void domainWithoutName();
     void lookupOrder();
-    void placeholders_data();
-    void placeholders();
     void expansionKeys();
     void destroyAllNodesStoresLastUpdates();
     void flatSelection_data();
@@ -263,34 +261,6 @@ void TestDefinitions::lookupOrder()
     install(QStringLiteral("DataAlerts.plist"), rootWith(QStringLiteral("option.txt")));
     QCOMPARE(loaded(), QStringLiteral("option.txt"));
     QFile::remove(user + QStringLiteral("/DataAlerts.plist"));
-}
-
-void TestDefinitions::placeholders_data()
-{
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QString>("splash");
-    QTest::addColumn<QString>("noData");
-    QTest::addColumn<QString>("downloading");
-    QTest::newRow("Sun") << 0 << "SplashSolar" << "DataNotLoadedSolar" << "DownloadingDataSolar";
-    QTest::newRow("Graphs share it") << 1 << "SplashSolar" << "DataNotLoadedSolar"
-                                     << "DownloadingDataSolar";
-    QTest::newRow("Aurora") << 2 << "SplashAurora" << "DataNotLoadedAurora"
-                            << "DownloadingDataAurora";
-    QTest::newRow("Earth") << 3 << "SplashEarth" << "DataNotLoadedEarth" << "DownloadingDataEarth";
-    QTest::newRow("4") << 4 << "" << "" << "";
-    QTest::newRow("negative") << -1 << "" << "" << "";
-}
-
-void TestDefinitions::placeholders()
-{
-    QFETCH(int, number);
-    QFETCH(QString, splash);
-    QFETCH(QString, noData);
-    QFETCH(QString, downloading);
-    const DomainGroup::Placeholders p = DomainGroup::placeholdersForGroup(number);
-    QCOMPARE(p.splash, splash);
-    QCOMPARE(p.noData, noData);
-    QCOMPARE(p.downloading, downloading);
 }
 
 void TestDefinitions::expansionKeys()

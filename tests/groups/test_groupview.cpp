@@ -1,4 +1,5 @@
 #include "TestEnvironment.h"
+#include "UrlCatcher.h"
 #include "TestHttpServer.h"
 
 #include "app/Preferences.h"
@@ -28,18 +29,6 @@
 #include <QTextBrowser>
 #include <QTreeView>
 #include <QtTest>
-
-namespace {
-
-// Stands in for the desktop when a folder or a web page is opened.
-class UrlCatcher : public QObject {
-    Q_OBJECT
-public:
-    QList<QUrl> opened;
-    Q_INVOKABLE void open(const QUrl &url) { opened << url; }
-};
-
-} // namespace
 
 // An image group on screen: what it restores at loading, the selection and what each state
 // shows, the image rule, the file commands and the floating image windows.
@@ -135,10 +124,7 @@ void TestGroupView::init()
 {
     TestEnvironment::resetState();
     _server = std::make_unique<TestHttpServer>();
-    TestHttpServer::Script stall;
-    stall.declaredLength = 100;
-    stall.stallAfterHeaders = true;
-    _server->route("/stall", stall);
+    _server->stall("/stall");
     _data = TestEnvironment::makeFolder(QStringLiteral("data"));
     const QString folder = TestEnvironment::makeFolder(QStringLiteral("definitions"));
     const auto nodeDict = [this](const QString &dest, const QVariantMap &extra = {}) {

@@ -56,10 +56,7 @@ private:
     }
     void stallRoute(const QByteArray &path)
     {
-        TestHttpServer::Script script;
-        script.declaredLength = 100;
-        script.stallAfterHeaders = true;
-        _server->route(path, script);
+        _server->stall(path);
     }
     QStringList queueNames() const
     {

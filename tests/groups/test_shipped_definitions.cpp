@@ -1,11 +1,14 @@
 #include "TestEnvironment.h"
 
+#include "app/ToolbarItems.h"
+
 #include "groups/DescriptionText.h"
 #include "groups/Domain.h"
 #include "groups/DomainGroup.h"
 #include "groups/FlatGroup.h"
 #include "groups/PropertyList.h"
 #include "nodes/Node.h"
+#include "support/NamedImage.h"
 
 #include <QApplication>
 #include <QFile>
@@ -37,6 +40,7 @@ private slots:
     void namesUniqueAcrossFiles();
     void alertsBulletins();
     void welcomePage();
+    void artworkForEveryState();
 
 private:
     struct Entry {
@@ -395,6 +399,24 @@ void TestShippedDefinitions::welcomePage()
         QVERIFY2(std::any_of(lines.cbegin(), lines.cend(),
                              [&](const QString &line) { return line.startsWith(start); }),
                  view);
+    }
+}
+
+void TestShippedDefinitions::artworkForEveryState()
+{
+    // Every picture a view or the toolbar asks for by name is drawn and renders.
+    QStringList names;
+    for (int group = 0; group < 4; ++group) {
+        const DomainGroup::Placeholders p = DomainGroup::placeholdersForGroup(group);
+        names << p.splash << p.noData << p.downloading;
+    }
+    for (const QString &identifier : ToolbarItems::allowedItemIdentifiers()) {
+        if (const auto item = ToolbarItems::item(identifier))
+            names << item->image;
+    }
+    for (const QString &name : names) {
+        QVERIFY2(!name.isEmpty() && NamedImage::exists(name), qPrintable(name));
+        QVERIFY2(!NamedImage::pixmap(name).isNull(), qPrintable(name));
     }
 }
 

@@ -38,7 +38,6 @@ private slots:
     void keplerSolvesTheEquation_data();
     void keplerSolvesTheEquation();
 
-    void milesAreExactlyPointSixTwo();
     void fullMoonDay();
     void nextComparesOnTheUniversalScale();
     void phaseDatesBracketTheDate_data();
@@ -342,14 +341,6 @@ void TestMoonCalc::keplerSolvesTheEquation()
     const double e = MoonCalc::kepler(meanAnomaly, eccentricity);
     const double m = meanAnomaly * 0.017453292519943295;
     QVERIFY(std::abs(e - eccentricity * std::sin(e) - m) <= 1e-6);
-}
-
-void TestMoonCalc::milesAreExactlyPointSixTwo()
-{
-    MoonCalc calc;
-    calc.setDate(utc(2008, 1, 1));
-    QCOMPARE(calc.moonDistanceMiles(), 0.62 * calc.moonDistanceKilometers());
-    QCOMPARE(calc.solDistanceMiles(), 0.62 * calc.solDistanceKilometers());
 }
 
 void TestMoonCalc::fullMoonDay()

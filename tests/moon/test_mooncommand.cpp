@@ -44,10 +44,7 @@ private:
 TestMoonCommand::Result TestMoonCommand::moon(const QStringList &arguments, const QByteArray &zone)
 {
     QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove(QStringLiteral("DISPLAY"));
-    env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    QProcessEnvironment env = TestEnvironment::headlessEnvironment();
     env.insert(QStringLiteral("TZ"), QString::fromLatin1(zone));
     env.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
     process.setProcessEnvironment(env);

@@ -3,6 +3,7 @@
 #include "HomeEnvironment.h"
 #include "app/Preferences.h"
 #include "app/ResourceLocator.h"
+#include "nodes/NetworkAccess.h"
 #include "support/Clock.h"
 #include "support/Settings.h"
 
@@ -89,6 +90,11 @@ void TestEnvironment::setUpApplication()
     resetState();
 }
 
+void TestEnvironment::tearDownApplication()
+{
+    NetworkAccess::shutdown();
+}
+
 QString TestEnvironment::home()
 {
     return homeDir()->path();
@@ -155,4 +161,13 @@ QVariantMap TestEnvironment::nodeDict(const QString &dest, const QString &name, 
             {QStringLiteral("DestFileName"), dest},
             {QStringLiteral("NodeName"), name.isEmpty() ? dest : name},
             {QStringLiteral("NodeTitle"), (name.isEmpty() ? dest : name) + QStringLiteral(" title")}};
+}
+
+QProcessEnvironment TestEnvironment::headlessEnvironment()
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove(QStringLiteral("DISPLAY"));
+    env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    return env;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QVariantMap>
 
@@ -13,6 +14,9 @@ public:
     static void setUp();
     // After it exists: names, resource folder, fresh preferences.
     static void setUpApplication();
+    // After the last test, before the application object goes: ends the network work, so that
+    // the leak checker of the sanitizer build sees a finished process.
+    static void tearDownApplication();
 
     static QString home();
     // A new empty folder inside the temporary home.
@@ -24,6 +28,10 @@ public:
     static void setNow(const QDateTime &now);
     static void advance(qint64 seconds);
     static void useSystemClock();
+
+    // This process's environment without any display, for running the command-line modes the
+    // way a script on a server does.
+    static QProcessEnvironment headlessEnvironment();
 
     // Writes a property list (XML unless binary) with these contents.
     static bool writePropertyList(const QString &path, const QVariantMap &root, bool binary = false);
@@ -40,7 +48,9 @@ public:
         QCoreApplication app(argc, argv);                                                          \
         TestEnvironment::setUpApplication();                                                       \
         TestObject test;                                                                           \
-        return QTest::qExec(&test, argc, argv);                                                    \
+        const int result = QTest::qExec(&test, argc, argv);                                        \
+        TestEnvironment::tearDownApplication();                                                    \
+        return result;                                                                             \
     }
 
 #define VANTOREL_TEST_MAIN(TestObject)                                                             \
@@ -50,5 +60,7 @@ public:
         QApplication app(argc, argv);                                                              \
         TestEnvironment::setUpApplication();                                                       \
         TestObject test;                                                                           \
-        return QTest::qExec(&test, argc, argv);                                                    \
+        const int result = QTest::qExec(&test, argc, argv);                                        \
+        TestEnvironment::tearDownApplication();                                                    \
+        return result;                                                                             \
     }

@@ -43,6 +43,14 @@ void TestHttpServer::serve(const QByteArray &path, const QByteArray &body)
     route(path, script);
 }
 
+void TestHttpServer::stall(const QByteArray &path)
+{
+    Script script;
+    script.declaredLength = 100;
+    script.stallAfterHeaders = true;
+    route(path, script);
+}
+
 QString TestHttpServer::baseUrl() const
 {
     return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());

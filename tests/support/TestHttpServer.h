@@ -42,6 +42,8 @@ public:
     void route(const QByteArray &path, const Script &script);
     // A plain 200 answer with the body in one piece.
     void serve(const QByteArray &path, const QByteArray &body);
+    // Headers that promise 100 bytes, then nothing: a transfer that stays under way.
+    void stall(const QByteArray &path);
     QString url(const QByteArray &path) const;
     QString baseUrl() const;
 

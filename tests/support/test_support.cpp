@@ -17,7 +17,6 @@ private slots:
     void englishNamesWhateverTheLocale();
     void logEntry_data();
     void logEntry();
-    void logSeparator();
     void updateTimeTextRoundTrip_data();
     void updateTimeTextRoundTrip();
     void updateTimeTextRejects_data();
@@ -85,12 +84,6 @@ void TestSupport::logEntry()
     QFETCH(QString, message);
     QFETCH(QString, expected);
     QCOMPARE(LogEntry::text(QDateTime(QDate(2006, 3, 14), QTime(21, 5, 59)), message), expected);
-}
-
-void TestSupport::logSeparator()
-{
-    QCOMPARE(LogEntry::separatorBefore(0), QString());
-    QCOMPARE(LogEntry::separatorBefore(1), QStringLiteral("\n"));
 }
 
 void TestSupport::updateTimeTextRoundTrip_data()

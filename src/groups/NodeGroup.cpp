@@ -94,6 +94,7 @@ void NodeGroup::emptyGroupCache()
             cancelQueuedNode(node);
         node->removeDataFile();
     }
+    emit groupCacheEmptied();
 }
 
 bool NodeGroup::queueMissingData(Node *node)

@@ -70,6 +70,8 @@ signals:
     // A node left the queue (finished, failed or cancelled). Cancelling changes the node's status
     // while it is still queued, so a view that shows whether a node is queued listens to this too.
     void nodeLeftDownloadQueue(const Node *node);
+    // Every node's data file was deleted (Empty Cache); what depends on having data must follow.
+    void groupCacheEmptied();
 
 protected:
     void setDataFolderPath(const QString &path) { _dataFolderPath = path; }

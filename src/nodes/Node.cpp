@@ -289,6 +289,7 @@ void Node::beginDownloadingData()
 {
     if (_isDownloading)
         return;
+    _lastFailure.clear();
 
     const float timeout = Preferences::shared().timeoutSeconds();
     const double ms = std::ceil(double(timeout) * 1000.0);
@@ -344,8 +345,7 @@ void Node::beginDownloadingData()
 
 void Node::failAtStart(const QString &error)
 {
-    if (_delegate)
-        _delegate->nodeDidFailWithError(this, error);
+    reportFailure(error);
     setStatusMessage(QStringLiteral("Err"), errorStatusLong());
     resetDownload();
 }
@@ -462,6 +462,7 @@ void Node::connectionDidFinishLoading()
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());
             reportFailure(failedText(_itemName, QStringLiteral("unable to write file")));
         } else {
+            _lastFailure.clear();
             setStatusMessage(checkMark(), QString());
             if (_delegate)
                 _delegate->nodeFileDidLoad(this);
@@ -488,6 +489,7 @@ void Node::connectionDidFail(const QString &description, const QString &failingA
 
 void Node::reportFailure(const QString &error)
 {
+    _lastFailure = error;
     if (_delegate)
         _delegate->nodeDidFailWithError(this, error);
 }
@@ -501,6 +503,7 @@ void Node::cancelDownloading()
     setLastUpdateNow();
     calculateNextUpdate();
     resetDownload();
+    _lastFailure.clear();
     setStatusMessage(QString(), QString());
 }
 

@@ -51,6 +51,9 @@ public:
     QString sourceURL() const { return _sourceURL; }
     int fileType() const { return _fileType; }
     bool isDownloading() const { return _isDownloading; }
+    // Why the last attempt failed, as the activity log words it; empty when it did not fail (or
+    // while a new attempt runs).
+    QString lastFailure() const { return _lastFailure; }
     // Read from the kept definition on every call; an absent key gives an empty text.
     QString dataSource() const;
     QString URL() const;
@@ -145,5 +148,6 @@ private:
     qint64 _bytesReceived = 0;
     qint64 _expectedContentLength = 0;
     QTimer *_inactivityTimer = nullptr;
+    QString _lastFailure;
     int _timeoutMilliseconds = 0;
 };

@@ -33,7 +33,7 @@ SMALLEST = 50 * 1024
 LARGEST = 4 * 1024 * 1024
 BIG_FILE = 32 * 1024 * 1024
 SEED = 9
-RECIPE = f"v1 seed={SEED} files={FILES_PER_GROUP} sizes={SMALLEST}-{LARGEST} big={BIG_FILE}"
+RECIPE = f"v2 seed={SEED} files={FILES_PER_GROUP} sizes={SMALLEST}-{LARGEST} big={BIG_FILE}"
 
 
 def node(dest, name, url, source, file_type):
@@ -47,6 +47,13 @@ def node(dest, name, url, source, file_type):
         "Description": "",
         "FileType": file_type,
     }
+
+
+def as_picture(data):
+    """The bytes with a JPEG signature in front, of the same size: the application refuses a
+    picture item's body that does not start like a picture."""
+    signature = b"\xff\xd8\xff\xe0"
+    return signature + data[len(signature):]
 
 
 def write_plist(path, root):
@@ -90,13 +97,14 @@ def make_files(data, fixtures):
             # Log-uniform between the smallest and the largest size.
             size = int(SMALLEST * (LARGEST / SMALLEST) ** rng.random())
             name = f"{group.lower()}-{i:03d}.{extension}"
-            (folder / name).write_bytes(rng.randbytes(size))
+            body = rng.randbytes(size)
+            (folder / name).write_bytes(as_picture(body) if extension == "jpg" else body)
             entries.append({"name": name, "size": size})
         manifest["groups"][group] = entries
     (www / "big").mkdir(parents=True)
     for group in GROUPS:
         name = f"big-{group.lower()}.dat"
-        (www / "big" / name).write_bytes(rng.randbytes(BIG_FILE))
+        (www / "big" / name).write_bytes(as_picture(rng.randbytes(BIG_FILE)))
         manifest["big"][group] = {"name": name, "size": BIG_FILE}
     (www / "text").mkdir(parents=True)
     shutil.copy(fixtures / "bulletins" / "rsga-20251218.txt", www / "text" / "RSGA.txt")

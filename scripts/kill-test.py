@@ -45,7 +45,7 @@ def write_definitions(folder, base_url):
         for i in range(FILES_PER_GROUP):
             name = f"{group.lower()}{i:02d}.bin"
             nodes[f"Node{i}"] = {"URL": base_url, "SourceFileName": name, "DestFileName": name,
-                                 "NodeName": name, "NodeTitle": name, "FileType": 0}
+                                 "NodeName": name, "NodeTitle": name, "FileType": 1}
         if group == "Alerts":
             root = nodes
         else:

@@ -3,6 +3,8 @@
 #include "groups/FlatGroup.h"
 #include "nodes/Node.h"
 #include "nodes/NodeScheduler.h"
+#include "support/FailureLine.h"
+#include "support/FileManager.h"
 #include "support/GeometryText.h"
 #include "support/Settings.h"
 
@@ -13,6 +15,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QVBoxLayout>
 
@@ -71,8 +74,10 @@ void AlertsView::buildInterface()
     _nodeLastUpdateField = new QLabel;
     _nodeLastUpdateField->setTextFormat(Qt::PlainText);
     _nodeLastUpdateField->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    _failureField = new FailureLine;
     auto *bottom = new QHBoxLayout;
-    bottom->addWidget(_nodeStatusField, 1);
+    bottom->addWidget(_nodeStatusField);
+    bottom->addWidget(_failureField, 1);
     bottom->addWidget(_nodeLastUpdateField);
 
     auto *layout = new QVBoxLayout(this);
@@ -97,6 +102,9 @@ void AlertsView::connectGroup()
     connect(_group, &NodeGroup::nodeStatusChanged, this, &AlertsView::nodeStatusChanged);
     connect(_group, &NodeGroup::nodeSettingsChanged, this, &AlertsView::nodeStatusChanged);
     connect(_group, &NodeGroup::nodeDataLoaded, this, &AlertsView::nodeDataLoaded);
+    connect(_group, &NodeGroup::nodeDownloadFailed, this, &AlertsView::nodeDownloadFailed);
+    // The reports are gone: what needs a data file must not be offered any more.
+    connect(_group, &NodeGroup::groupCacheEmptied, this, &AlertsView::updateInterfaceForSelection);
     // The cancel button follows the queue, which a node leaves after its last status change.
     connect(_group, &NodeGroup::nodeLeftDownloadQueue, this, [this](const Node *node) {
         if (node == _group->selectedNode())
@@ -147,8 +155,13 @@ void AlertsView::selectNodeFromList()
 
 void AlertsView::setTextForSelectedNode(Node *node)
 {
-    // Choosing the text may queue the node, which refreshes the controls from within.
-    setTextViewText(_group->textForSelectedNode(node));
+    // Choosing the text may queue the node, which refreshes the controls from within. A node
+    // without data whose last download failed (perhaps at once, just now) says so.
+    QString text = _group->textForSelectedNode(node);
+    if (node && !node->fileDownloaded() && !_group->nodeIsInDownloadQueue(node) &&
+        !node->lastFailure().isEmpty())
+        text = failedText();
+    setTextViewText(text);
     updateInterfaceForSelection();
 }
 
@@ -174,6 +187,8 @@ void AlertsView::updateInterfaceForSelection()
         _scheduleNodeButton->setEnabled(false);
         _cancelNodeDownloadButton->setEnabled(false);
         _nodeLastUpdateField->setText(QString());
+        _failureField->setFailure(QString());
+        emit selectionChanged();
         return;
     }
     _nodeStatusField->setText(node->longStatus());
@@ -184,6 +199,8 @@ void AlertsView::updateInterfaceForSelection()
                                           .arg(node->lastUpdate(), node->nextUpdate()));
     else
         _nodeLastUpdateField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
+    _failureField->setFailure(node->lastFailure());
+    emit selectionChanged();
 }
 
 void AlertsView::refreshSelectedNodeData()
@@ -199,6 +216,13 @@ void AlertsView::refreshDailyWeatherNode()
 void AlertsView::cancelSelectedNodeDownload()
 {
     _group->cancelSelectedNodeDownload();
+}
+
+void AlertsView::revealSelectedNodeData()
+{
+    Node *node = _group->selectedNode();
+    if (node && node->fileDownloaded())
+        FileManager::revealFile(node->filePath());
 }
 
 void AlertsView::openScheduleWindowForNode()
@@ -230,8 +254,36 @@ void AlertsView::nodeStatusChanged(Node *node)
 void AlertsView::nodeDataLoaded(Node *node)
 {
     // Another report that arrives is logged by the group and stays out of sight until chosen.
-    if (node == _group->selectedNode())
-        setTextForSelectedNode(node);
+    if (node != _group->selectedNode())
+        return;
+    // A new issue of the report being read (a scheduled update, most often) keeps the reader's
+    // place; a report chosen from the menu starts at the top.
+    QScrollBar *bar = _nodeDataTextView->verticalScrollBar();
+    const int position = bar->value();
+    setTextForSelectedNode(node);
+    bar->setValue(position);
+}
+
+QString AlertsView::failedText()
+{
+    return QStringLiteral("The report could not be downloaded. Press \"Reload\" to try again.");
+}
+
+void AlertsView::nodeDownloadFailed(Node *node)
+{
+    if (node != _group->selectedNode())
+        return;
+    // Without a report, "Downloading data" would now be a lie; an older report stays. Nothing is
+    // queued from here: a download that fails at once would otherwise fail again for ever.
+    if (!node->fileDownloaded())
+        setTextViewText(failedText());
+    updateInterfaceForSelection();
+}
+
+void AlertsView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    _laidOut = true;
 }
 
 void AlertsView::loadFrameSize()
@@ -246,7 +298,9 @@ void AlertsView::loadFrameSize()
 void AlertsView::saveFrameSize()
 {
     QSettings &settings = Settings::store();
-    settings.setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
+    // A view never on screen has only the size it was created with; what was stored stays.
+    if (_laidOut)
+        settings.setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
     settings.setValue(QLatin1String(kMenuIndexKey), _group->lastAlertMenuIndex());
 }
 

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class ActivityLog;
+class FailureLine;
 class FlatGroup;
 class Node;
 class NodeScheduler;
@@ -24,6 +25,8 @@ public:
 
     static constexpr const char *kViewSizeKey = "AlertsViewSize";
     static constexpr const char *kMenuIndexKey = "lastAlertMenuIndex";
+    // What the report area says when the selected report has no data and its download failed.
+    static QString failedText();
 
     // Restores the size and the remembered menu index.
     void awakeFromNib();
@@ -49,6 +52,7 @@ public:
     void refreshDailyWeatherNode();
     void cancelSelectedNodeDownload();
     void openScheduleWindowForNode();
+    void revealSelectedNodeData();
     void schedulerDidEnd(int returnCode);
 
     FlatGroup *group() const { return _group; }
@@ -57,16 +61,25 @@ public:
     QPlainTextEdit *nodeDataTextView() const { return _nodeDataTextView; }
     QLabel *nodeStatusField() const { return _nodeStatusField; }
     QLabel *nodeLastUpdateField() const { return _nodeLastUpdateField; }
+    FailureLine *failureField() const { return _failureField; }
     QPushButton *refreshButton() const { return _refreshButton; }
     QPushButton *dailyReportButton() const { return _dailyReportButton; }
     QPushButton *cancelNodeDownloadButton() const { return _cancelNodeDownloadButton; }
     QPushButton *scheduleNodeButton() const { return _scheduleNodeButton; }
+
+signals:
+    // The selection or the selected node's state changed.
+    void selectionChanged();
+
+protected:
+    void showEvent(QShowEvent *event) override;
 
 private:
     void buildInterface();
     void connectGroup();
     void nodeStatusChanged(Node *node);
     void nodeDataLoaded(Node *node);
+    void nodeDownloadFailed(Node *node);
 
     FlatGroup *_group;
     ActivityLog *_log;
@@ -74,10 +87,13 @@ private:
     QLabel *_nodeLastUpdateField = nullptr;
     QPlainTextEdit *_nodeDataTextView = nullptr;
     QLabel *_nodeStatusField = nullptr;
+    FailureLine *_failureField = nullptr;
     QPushButton *_refreshButton = nullptr;
     QPushButton *_dailyReportButton = nullptr;
     QPushButton *_cancelNodeDownloadButton = nullptr;
     QPushButton *_scheduleNodeButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
     QMetaObject::Connection _sheetEnd;
+    // Whether the view has been on screen in this session; see saveFrameSize().
+    bool _laidOut = false;
 };

@@ -16,6 +16,7 @@
 #include "groups/GroupView.h"
 #include "moon/MoonView.h"
 #include "nodes/NetworkAccess.h"
+#include "nodes/Node.h"
 #include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
 #include "support/NamedImage.h"
@@ -25,15 +26,14 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QDebug>
+#include <QDesktopServices>
 #include <QFile>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QNetworkAccessManager>
+#include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QSpinBox>
@@ -117,8 +117,7 @@ void AppController::buildInterface()
     connect(_aboutBoxWindow, &AboutBox::authorHomePageRequested, this,
             &AppController::openAuthorHomePageLink);
     connect(_aboutBoxWindow, &AboutBox::mailRequested, this, &AppController::openMailtoLink);
-    connect(_aboutBoxWindow, &AboutBox::donationRequested, this,
-            &AppController::openDonationLink);
+    connect(_aboutBoxWindow, &AboutBox::donationRequested, this, &AppController::openDonationLink);
     connect(_aboutBoxWindow, &AboutBox::relatedSiteOneRequested, this,
             &AppController::openRelatedSiteOneLink);
     connect(_aboutBoxWindow, &AboutBox::relatedSiteTwoRequested, this,
@@ -131,6 +130,7 @@ void AppController::buildInterface()
                 &AppController::viewDataSourceLinkClicked);
         connect(view, &GroupView::selectionChanged, this, &AppController::validateMenus);
     }
+    connect(_alertsView, &AlertsView::selectionChanged, this, &AppController::validateMenus);
     _alertsView->awakeFromNib();
     _moonView->awakeFromNib();
     _log->awakeFromNib();
@@ -161,7 +161,8 @@ void AppController::buildMenus()
     QMenu *file = bar->addMenu(tr("&File"));
     add(file, tr("&Save a Copy…"), &AppController::saveSelectedNodeData, QKeySequence::SaveAs, 767);
     file->addSeparator();
-    QAction *quit = add(file, tr("&Quit"), [] { QCoreApplication::quit(); }, QKeySequence::Quit);
+    QAction *quit = add(
+        file, tr("&Quit"), [] { QCoreApplication::quit(); }, QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu *edit = bar->addMenu(tr("&Edit"));
@@ -193,14 +194,18 @@ void AppController::buildMenus()
     add(data, tr("&Empty Cache…"), &AppController::emptyCache);
 
     QMenu *node = bar->addMenu(tr("&Node"));
-    add(node, tr("&Reload"), &AppController::refreshSelectedNodeData, QKeySequence::Refresh);
+    _reloadItem =
+        add(node, tr("&Reload"), &AppController::refreshSelectedNodeData, QKeySequence::Refresh);
+    _cancelDownloadItem =
+        add(node, tr("&Cancel Download"), &AppController::cancelSelectedNodeDownload);
     add(node, tr("&Zoom Image"), &AppController::zoomSelectedNodeData,
         QKeySequence(Qt::CTRL | Qt::Key_I), 766);
-    add(node, tr("Reveal in &File Manager"), &AppController::revealSelectedNodeData);
-    add(node, tr("&Schedule…"), &AppController::openScheduleWindowForSelectedNode);
+    _revealItem = add(node, tr("Reveal in &File Manager"), &AppController::revealSelectedNodeData);
+    _scheduleItem = add(node, tr("&Schedule…"), &AppController::openScheduleWindowForSelectedNode);
 
     QMenu *window = bar->addMenu(tr("&Window"));
-    add(window, tr("Activity &Log"), [this] { _log->openLogWindow(); },
+    add(
+        window, tr("Activity &Log"), [this] { _log->openLogWindow(); },
         QKeySequence(Qt::CTRL | Qt::Key_L));
     add(window, tr("&Clear Log"), [this] { _log->clearLog(); });
 
@@ -221,11 +226,38 @@ QAction *AppController::menuItem(int tag) const
     return nullptr;
 }
 
+Node *AppController::shownSelectedNode() const
+{
+    if (_selectedGroupView)
+        return _selectedGroupView->selectedNode();
+    if (_content->currentWidget() == _alertsView)
+        return _alertsView->selectedNode();
+    return nullptr;
+}
+
+NodeGroup *AppController::shownGroup() const
+{
+    if (_selectedGroupView)
+        return _selectedGroupView->group();
+    if (_content->currentWidget() == _alertsView)
+        return _alertsView->group();
+    return nullptr;
+}
+
 bool AppController::validateMenuItem(QAction *item) const
 {
+    // The node commands act on the selection of the view shown; one that could not act is not
+    // offered (and its shortcut does nothing).
+    const Node *node = shownSelectedNode();
     const int tag = item->data().isValid() ? item->data().toInt() : -1;
     if (tag == 766 || tag == 767)
-        return _selectedGroupView && _selectedGroupView->hasSelectedNode();
+        return _selectedGroupView && node && node->fileDownloaded();
+    if (item == _revealItem)
+        return node && node->fileDownloaded();
+    if (item == _reloadItem || item == _scheduleItem)
+        return node != nullptr;
+    if (item == _cancelDownloadItem)
+        return node && shownGroup()->nodeIsInDownloadQueue(node);
     return true;
 }
 
@@ -247,10 +279,20 @@ void AppController::refreshSelectedNodeData()
         _alertsView->refreshSelectedNodeData();
 }
 
+void AppController::cancelSelectedNodeDownload()
+{
+    if (_selectedGroupView)
+        _selectedGroupView->cancelSelectedNodeDownload();
+    else if (_content->currentWidget() == _alertsView)
+        _alertsView->cancelSelectedNodeDownload();
+}
+
 void AppController::revealSelectedNodeData()
 {
     if (_selectedGroupView)
         _selectedGroupView->revealSelectedNodeData();
+    else if (_content->currentWidget() == _alertsView)
+        _alertsView->revealSelectedNodeData();
 }
 
 void AppController::openScheduleWindowForSelectedNode()
@@ -279,8 +321,11 @@ void AppController::connectPreferencesPanel()
 
 QString AppController::windowTitle() const
 {
-    const QString executable = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-    return QStringLiteral("%1 version %2").arg(executable, QLatin1String(BuildInfo::version));
+    // The application's name as users know it, whatever the executable is called.
+    QString name = QGuiApplication::applicationDisplayName();
+    if (!name.isEmpty())
+        name[0] = name[0].toUpper();
+    return QStringLiteral("%1 version %2").arg(name, QLatin1String(BuildInfo::version));
 }
 
 void AppController::setDataFolderOverride(const QString &path)
@@ -457,8 +502,7 @@ void AppController::openPreferencesPanel()
     }
     _preferencesPanel->adjustSize();
     if (_window->isVisible())
-        _preferencesPanel->move(_window->geometry().center() -
-                                _preferencesPanel->rect().center());
+        _preferencesPanel->move(_window->geometry().center() - _preferencesPanel->rect().center());
     _preferencesPanel->show();
     _preferencesPanel->raise();
     _preferencesPanel->activateWindow();
@@ -542,12 +586,18 @@ void AppController::onlineStateChanged()
 QWidget *AppController::viewForNumber(int viewNumber) const
 {
     switch (viewNumber) {
-    case 1: return _graphView;
-    case 2: return _auroraView;
-    case 3: return _earthView;
-    case 4: return _alertsView;
-    case 5: return _moonView;
-    default: return _sunView;
+    case 1:
+        return _graphView;
+    case 2:
+        return _auroraView;
+    case 3:
+        return _earthView;
+    case 4:
+        return _alertsView;
+    case 5:
+        return _moonView;
+    default:
+        return _sunView;
     }
 }
 

@@ -14,6 +14,8 @@ class GroupView;
 class MainWindow;
 class MainToolbar;
 class MoonView;
+class Node;
+class NodeGroup;
 class NodeScheduler;
 class PreferencesPanel;
 class QAction;
@@ -117,7 +119,14 @@ public:
     MainToolbar *mainToolbar() const { return _toolbar; }
     // Menu items by their tag (766 zoom, 767 save a copy, 0 to 5 the views).
     QAction *menuItem(int tag) const;
-    // Enables a menu item: 766 and 767 only while an image view shows a selected node.
+    // The Node menu's items without a tag.
+    QAction *reloadItem() const { return _reloadItem; }
+    QAction *cancelDownloadItem() const { return _cancelDownloadItem; }
+    QAction *revealItem() const { return _revealItem; }
+    QAction *scheduleItem() const { return _scheduleItem; }
+    // Enables a menu item when it can act on the view shown: reload and schedule need a selected
+    // node, cancel a queued one; reveal needs its data file, and 766 and 767 need it in an image
+    // view.
     bool validateMenuItem(QAction *item) const;
     void validateMenus();
     QList<QWidget *> views() const;
@@ -131,6 +140,10 @@ private:
     void revealSelectedNodeData();
     void openScheduleWindowForSelectedNode();
     void refreshSelectedNodeData();
+    void cancelSelectedNodeDownload();
+    // The node selected in the data view shown, and that view's group; none on the Moon view.
+    Node *shownSelectedNode() const;
+    NodeGroup *shownGroup() const;
     QWidget *viewForNumber(int viewNumber) const;
     void openAboutLink(const QUrl &address);
 
@@ -142,6 +155,10 @@ private:
     QAction *_goOnlineItem = nullptr;
     QAction *_goOfflineItem = nullptr;
     QAction *_updateAllItem = nullptr;
+    QAction *_reloadItem = nullptr;
+    QAction *_cancelDownloadItem = nullptr;
+    QAction *_revealItem = nullptr;
+    QAction *_scheduleItem = nullptr;
 
     GroupView *_sunView = nullptr;
     GroupView *_graphView = nullptr;

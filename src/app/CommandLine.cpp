@@ -2,9 +2,9 @@
 
 #include "BuildInfo.h"
 #include "FetchCommand.h"
+#include "ResourceLocator.h"
 #include "alerts/ReportCommand.h"
 #include "moon/MoonCommand.h"
-#include "ResourceLocator.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -25,9 +25,9 @@ void printText(FILE *stream, const QString &text)
 
 bool isHelpOrVersion(const QString &argument)
 {
-    static const QStringList flags = {QStringLiteral("-h"), QStringLiteral("--help"),
+    static const QStringList flags = {QStringLiteral("-h"),         QStringLiteral("--help"),
                                       QStringLiteral("--help-all"), QStringLiteral("-?"),
-                                      QStringLiteral("-v"), QStringLiteral("--version")};
+                                      QStringLiteral("-v"),         QStringLiteral("--version")};
     return flags.contains(argument);
 }
 
@@ -88,7 +88,7 @@ void CommandLine::addSharedOptions(QCommandLineParser &parser)
                       QStringLiteral("dir")});
     parser.addOption({QStringLiteral("timeout"),
                       QStringLiteral("Give up a transfer after <seconds> without progress "
-                                     "(this run only)."),
+                                     "(this run only; 0 or less means the default, 60)."),
                       QStringLiteral("seconds")});
 }
 

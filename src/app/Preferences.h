@@ -28,6 +28,13 @@ public:
     bool downloadMissingData() const { return _downloadMissingData; }
     // The time-out in force: a value given for this run only wins over the stored one.
     float timeoutSeconds() const { return _timeoutOverride.value_or(_timeoutSeconds); }
+    // The time-out that transfers use: timeoutSeconds(), except that zero or less (which the
+    // panel and --timeout accept) means the default. A transfer is never left without one.
+    float transferTimeoutSeconds() const
+    {
+        const float seconds = timeoutSeconds();
+        return seconds > 0.0f ? seconds : kDefaultTimeoutSeconds;
+    }
     bool southernHemisphere() const { return _southernHemisphere; }
 
     void setLastView(int view) { _lastView = view; }
@@ -52,6 +59,7 @@ public:
     static constexpr const char *kDownloadMissingData = "downloadMissingData";
     static constexpr const char *kTimeoutSeconds = "timeoutSeconds";
     static constexpr const char *kSouthernHemisphere = "southernHemisphere";
+    static constexpr float kDefaultTimeoutSeconds = 60.0f;
 
 private:
     int _lastView = -1;
@@ -59,7 +67,7 @@ private:
     bool _logErrorsOnly = false;
     bool _beepOnErrors = false;
     bool _downloadMissingData = true;
-    float _timeoutSeconds = 60.0f;
+    float _timeoutSeconds = kDefaultTimeoutSeconds;
     bool _southernHemisphere = false;
     std::optional<float> _timeoutOverride;
 };

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -21,13 +22,18 @@ PreferencesPanel::PreferencesPanel(QWidget *parent)
     setWindowTitle(tr("Preferences"));
     setObjectName(QStringLiteral("PreferencesPanel"));
 
-    // The panel accepts any whole number of seconds; zero or less means no time-out.
-    _timeoutValueField->setRange(std::numeric_limits<int>::min(),
-                                 std::numeric_limits<int>::max());
+    // The panel accepts any whole number of seconds; zero or less means the default, so that no
+    // transfer is ever left without a time-out.
+    _timeoutValueField->setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
     _timeoutValueField->setSuffix(tr(" s"));
     _timeoutValueField->setKeyboardTracking(false);
     _timeoutValueField->setToolTip(tr("A transfer that receives nothing for this long is given "
-                                      "up. Zero or less means no time-out."));
+                                      "up."));
+    auto *timeoutNote = new QLabel(tr("0 or less means the default of 60 seconds"));
+    timeoutNote->setForegroundRole(QPalette::PlaceholderText);
+    auto *timeout = new QHBoxLayout;
+    timeout->addWidget(_timeoutValueField);
+    timeout->addWidget(timeoutNote, 1);
 
     auto *activity = new QVBoxLayout;
     activity->addWidget(_prefsLogErrorsOnlyButton);
@@ -36,7 +42,7 @@ PreferencesPanel::PreferencesPanel(QWidget *parent)
 
     auto *form = new QFormLayout;
     form->addRow(tr("Downloads:"), activity);
-    form->addRow(tr("Time-out:"), _timeoutValueField);
+    form->addRow(tr("Time-out:"), timeout);
     form->addRow(tr("Moon:"), _prefsSouthernHemisphereButton);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);

@@ -52,16 +52,16 @@ QString ResourceLocator::userDefinitionsFolder()
     return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation);
 }
 
-QString ResourceLocator::definitionFilePath(const QString &fileName)
+QString ResourceLocator::userDefinitionFilePath(const QString &fileName)
 {
     for (const QString &folder : {definitionsFolder(), userDefinitionsFolder()}) {
         if (folder.isEmpty())
             continue;
-        const QString candidate = QDir(folder).filePath(fileName);
-        if (QFileInfo(candidate).isFile())
-            return candidate;
+        const QFileInfo candidate(QDir(folder).filePath(fileName));
+        if (candidate.exists() || candidate.isSymLink())
+            return candidate.filePath();
     }
-    return resourcePath(fileName);
+    return QString();
 }
 
 QString ResourceLocator::resourcePath(const QString &fileName)

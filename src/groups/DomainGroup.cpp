@@ -22,8 +22,7 @@ bool DomainGroup::loadDomainDataForGroup(const QString &groupName, int groupNumb
     return loadDefinitionFile(dictionaryFileName);
 }
 
-void DomainGroup::setGroup(const QString &groupName, int groupNumber,
-                           const QString &dataFolderPath)
+void DomainGroup::setGroup(const QString &groupName, int groupNumber, const QString &dataFolderPath)
 {
     _groupName = groupName;
     _groupNumber = groupNumber;
@@ -38,21 +37,34 @@ bool DomainGroup::loadDefinitionFile(const QString &dictionaryFileName)
 
     // Indices are probed, not enumerated: Domain0 up to one less than the number of root
     // entries, and within a domain Node0 up to two less than its entries ("DomainName" counts).
+    // What the probe cannot use is reported, never passed over in silence.
+    const QString domainPrefix = QStringLiteral("Domain");
+    const QString nodePrefix = QStringLiteral("Node");
     const int domainCount = int(root->size());
+    reportNumbering(*root, domainPrefix, domainCount);
     for (int i = 0; i < domainCount; ++i) {
-        const QString domainKey = QStringLiteral("Domain%1").arg(i);
-        const QVariant entry = root->value(domainKey);
-        if (entry.typeId() != QMetaType::QVariantMap)
+        const QString domainKey = domainPrefix + QString::number(i);
+        const auto entry = root->constFind(domainKey);
+        if (entry == root->cend())
             continue;
-        const QVariantMap domainDict = entry.toMap();
+        if (entry->typeId() != QMetaType::QVariantMap) {
+            reportUnusableEntry(domainKey, QStringLiteral("not a dictionary"));
+            continue;
+        }
+        const QVariantMap domainDict = entry->toMap();
         Domain *domain = createNewDomain(domainDict.value(QStringLiteral("DomainName")).toString());
         const int nodeCount = int(domainDict.size()) - 1;
+        const QString parent = domainKey + QLatin1Char('/');
+        reportNumbering(domainDict, nodePrefix, nodeCount, parent);
         for (int j = 0; j < nodeCount; ++j) {
-            const QString nodeKey = QStringLiteral("Node%1").arg(j);
-            const QVariant nodeEntry = domainDict.value(nodeKey);
-            if (nodeEntry.typeId() != QMetaType::QVariantMap)
+            const QString nodeKey = nodePrefix + QString::number(j);
+            const auto nodeEntry = domainDict.constFind(nodeKey);
+            if (nodeEntry == domainDict.cend())
                 continue;
-            addNodeToDomain(domain, nodeEntry.toMap(), domainKey + QLatin1Char('/') + nodeKey);
+            if (nodeEntry->typeId() != QMetaType::QVariantMap)
+                reportUnusableEntry(parent + nodeKey, QStringLiteral("not a dictionary"));
+            else
+                addNodeToDomain(domain, nodeEntry->toMap(), parent + nodeKey);
         }
     }
     return true;

@@ -16,8 +16,9 @@ public:
     explicit DomainGroup(QObject *parent = nullptr);
     ~DomainGroup() override;
 
-    // Reads the definition file into domains and nodes. Returns false (after logging "Failed to
-    // load rootDict!") when the file cannot be read; the group then has no domains.
+    // Reads the definition file (the user's, or the bundled one in its place: see
+    // readDefinitionFile()) into domains and nodes. Returns false (after logging "Failed to load
+    // rootDict!") when the bundled file cannot be read either; the group then has no domains.
     bool loadDomainDataForGroup(const QString &groupName, int groupNumber,
                                 const QString &dictionaryFileName, const QString &dataFolderPath);
     // The two halves of loading, for a view that restores its layout in between.

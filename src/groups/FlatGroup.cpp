@@ -10,21 +10,27 @@ FlatGroup::FlatGroup(QObject *parent)
 
 FlatGroup::~FlatGroup() = default;
 
-bool FlatGroup::loadDictionaryData(const QString &dictionaryFileName,
-                                   const QString &dataFolderPath)
+bool FlatGroup::loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath)
 {
     setDataFolderPath(dataFolderPath);
     const std::optional<QVariantMap> root = readDefinitionFile(dictionaryFileName);
     if (!root)
         return false;
 
+    // Node0 up to one less than the number of root entries are probed; what the probe cannot
+    // use is reported, never passed over in silence.
+    const QString prefix = QStringLiteral("Node");
     const int count = int(root->size());
+    reportNumbering(*root, prefix, count);
     for (int i = 0; i < count; ++i) {
-        const QString key = QStringLiteral("Node%1").arg(i);
-        const QVariant entry = root->value(key);
-        if (entry.typeId() != QMetaType::QVariantMap)
+        const QString key = prefix + QString::number(i);
+        const auto entry = root->constFind(key);
+        if (entry == root->cend())
             continue;
-        addNewNodeWithDict(entry.toMap(), key);
+        if (entry->typeId() != QMetaType::QVariantMap)
+            reportUnusableEntry(key, QStringLiteral("not a dictionary"));
+        else
+            addNewNodeWithDict(entry->toMap(), key);
     }
     return true;
 }
@@ -114,9 +120,8 @@ Node *FlatGroup::nodeNamed(const QString &name) const
     };
     if (Node *node = find([&](const Node *n) { return n->fileName() == name; }))
         return node;
-    if (Node *node = find([&](const Node *n) {
-            return n->fileName().compare(name, Qt::CaseInsensitive) == 0;
-        }))
+    if (Node *node = find(
+            [&](const Node *n) { return n->fileName().compare(name, Qt::CaseInsensitive) == 0; }))
         return node;
     return find([&](const Node *n) {
         return !n->nodeTitle().isEmpty() && n->nodeTitle().compare(name, Qt::CaseInsensitive) == 0;

@@ -15,8 +15,9 @@ public:
     explicit FlatGroup(QObject *parent = nullptr);
     ~FlatGroup() override;
 
-    // Reads the definition file into nodes. Returns false (after logging "Failed to load
-    // rootDict!") when the file cannot be read; the group then has no nodes.
+    // Reads the definition file (the user's, or the bundled one in its place: see
+    // readDefinitionFile()) into nodes. Returns false (after logging "Failed to load rootDict!")
+    // when the bundled file cannot be read either; the group then has no nodes.
     bool loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath);
     Node *addNewNodeWithDict(const QVariantMap &dict, const QString &entryName = {});
 

@@ -13,21 +13,25 @@
 #include "nodes/NodeScheduler.h"
 #include "support/ActivityLog.h"
 #include "support/ClickableTextBlue.h"
+#include "support/FailureLine.h"
 #include "support/FileManager.h"
 #include "support/GeometryText.h"
 #include "support/NamedImage.h"
 #include "support/Settings.h"
 
+#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
 #include <QTextBrowser>
+#include <QThreadPool>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -47,9 +51,8 @@ void GroupView::buildInterface()
     _domainsList = new QTreeView;
     _domainsList->setModel(_model);
     auto *selection = new OutlineSelectionModel(_model, _domainsList);
-    selection->setWillSelect([this](const QModelIndex &index) {
-        outlineShouldSelectItem(_model->itemForIndex(index));
-    });
+    selection->setWillSelect(
+        [this](const QModelIndex &index) { outlineShouldSelectItem(_model->itemForIndex(index)); });
     _domainsList->setSelectionModel(selection);
     _domainsList->setSelectionMode(QAbstractItemView::SingleSelection);
     _domainsList->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -80,9 +83,13 @@ void GroupView::buildInterface()
     connect(link, &ClickableText::clicked, this,
             [this, link] { emit dataSourceLinkClicked(link->text()); });
     _dataSourceField = link;
+    // One line, with the failure line (if any) in the room beside it.
     _lastUpdatedField = new QLabel;
-    _lastUpdatedField->setWordWrap(true);
     _lastUpdatedField->setForegroundRole(QPalette::PlaceholderText);
+    _failureField = new FailureLine;
+    auto *updates = new QHBoxLayout;
+    updates->addWidget(_lastUpdatedField);
+    updates->addWidget(_failureField, 1);
 
     _imageView = new ImagePane;
 
@@ -122,7 +129,7 @@ void GroupView::buildInterface()
     detailLayout->setContentsMargins(0, 0, 0, 0);
     detailLayout->addWidget(_nodeTitleField);
     detailLayout->addWidget(_dataSourceField);
-    detailLayout->addWidget(_lastUpdatedField);
+    detailLayout->addLayout(updates);
     detailLayout->addWidget(detailSplit, 1);
     detailLayout->addLayout(buttons);
 
@@ -160,6 +167,9 @@ void GroupView::connectGroup()
     connect(_group, &NodeGroup::nodeStatusChanged, this, &GroupView::nodeStatusChanged);
     connect(_group, &NodeGroup::nodeSettingsChanged, this, &GroupView::nodeSettingsChanged);
     connect(_group, &NodeGroup::nodeDataLoaded, this, &GroupView::nodeDataLoaded);
+    connect(_group, &NodeGroup::nodeDownloadFailed, this, &GroupView::nodeDownloadFailed);
+    // The data files are gone: the commands that need one must not be offered any more.
+    connect(_group, &NodeGroup::groupCacheEmptied, this, &GroupView::updateInterfaceForSelection);
     connect(_group, &NodeGroup::nodeLeftDownloadQueue, this, [this](const Node *node) {
         if (node == _group->selectedNode())
             updateInterfaceForSelection();
@@ -297,6 +307,10 @@ void GroupView::loadFrameSize()
 
 void GroupView::saveFrameSize()
 {
+    // Never on screen, the panes were never laid out: their frames are placeholders, and storing
+    // them would narrow the outline at every start. What was stored stays.
+    if (!_laidOut)
+        return;
     QSettings &settings = Settings::store();
     settings.setValue(viewSizeKey(), GeometryText::fromSize(size()));
     if (!_splitView)
@@ -433,6 +447,7 @@ void GroupView::updateInterfaceForSelection()
         _nodeTitleField->setText(QStringLiteral("Please select an item from the list."));
         _dataSourceField->setText(QString());
         _lastUpdatedField->setText(QString());
+        _failureField->setFailure(QString());
         return;
     }
     _nodeTitleField->setText(node->nodeTitle());
@@ -442,6 +457,7 @@ void GroupView::updateInterfaceForSelection()
                                        .arg(node->lastUpdate(), node->nextUpdate()));
     else
         _lastUpdatedField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
+    _failureField->setFailure(node->lastFailure());
 }
 
 void GroupView::displayImageForNode(Node *node)
@@ -456,9 +472,11 @@ void GroupView::displayImageForNode(Node *node)
         }
         showPlaceholder(_placeholders.noData);
     } else {
-        // Queued already, or queued now when missing data is fetched: either way it is coming.
-        showPlaceholder(_group->queueMissingData(node) ? _placeholders.downloading
-                                                       : _placeholders.noData);
+        // Queued already, or queued now when missing data is fetched: either way it is coming,
+        // unless its download failed at once (an address that cannot be fetched) and it has left
+        // the queue again.
+        const bool coming = _group->queueMissingData(node) && _group->nodeIsInDownloadQueue(node);
+        showPlaceholder(coming ? _placeholders.downloading : _placeholders.noData);
     }
     updateInterfaceForSelection();
 }
@@ -485,6 +503,7 @@ bool GroupView::showHtml(const QString &html)
 void GroupView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    _laidOut = true;
     if (_descriptionPending) {
         _descriptionPending = false;
         _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(_descriptionHtml));
@@ -525,8 +544,23 @@ void GroupView::nodeSettingsChanged(Node *node)
 
 void GroupView::nodeDataLoaded(Node *node)
 {
+    // An open image window is where a user watches a feed, often on another screen: it shows
+    // every new picture of its node, selected or not.
     if (node == _group->selectedNode())
         displayImageForNode(node);
+    else
+        updateImageWindowForNode(node);
+}
+
+void GroupView::nodeDownloadFailed(Node *node)
+{
+    if (node != _group->selectedNode())
+        return;
+    // Without data the "downloading" picture would now be a lie. The node is not queued again
+    // from here: a download that fails at once would otherwise fail again for ever.
+    if (!node->fileDownloaded())
+        showPlaceholder(_placeholders.noData);
+    updateInterfaceForSelection();
 }
 
 // --- Commands ---------------------------------------------------------------------------------
@@ -602,12 +636,39 @@ void GroupView::savePanelDidEnd(int returnCode, const QString &chosenPath)
     if (returnCode != QDialog::Accepted || chosenPath.isEmpty())
         return;
     Node *node = _group->selectedNode();
-    if (!node || node->fileType() != 0 || !node->fileDownloaded())
+    if (!node || node->fileType() != 0)
         return;
-    // The dialog has already asked before replacing an existing file.
-    if (QFileInfo::exists(chosenPath) && QFileInfo(chosenPath) != QFileInfo(node->filePath()))
-        QFile::remove(chosenPath);
-    QFile::copy(node->filePath(), chosenPath);
+    if (!node->fileDownloaded()) {
+        showSaveError(tr("\"%1\" has no downloaded data (any more).").arg(node->itemName()));
+        return;
+    }
+    // The dialog has already asked before replacing an existing file; the copy replaces it in
+    // one step, so a copy that fails leaves it as it was. A large picture takes longer to copy
+    // than a frame lasts, so the copy runs beside the event loop; only a failure comes back.
+    const QString source = node->filePath();
+    const QPointer<GroupView> view(this);
+    QThreadPool::globalInstance()->start([source, chosenPath, view] {
+        QString error;
+        if (FileManager::copyFile(source, chosenPath, &error))
+            return;
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [view, error] {
+                if (view)
+                    view->showSaveError(error);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void GroupView::showSaveError(const QString &reason)
+{
+    auto *alert = new QMessageBox(QMessageBox::Warning, tr("Save a Copy"),
+                                  tr("The copy could not be saved."), QMessageBox::Ok, window());
+    alert->setInformativeText(reason);
+    alert->setAttribute(Qt::WA_DeleteOnClose);
+    alert->setWindowModality(Qt::WindowModal);
+    alert->open();
 }
 
 // --- Image windows ----------------------------------------------------------------------------

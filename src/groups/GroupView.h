@@ -10,6 +10,7 @@
 
 class ActivityLog;
 class Domain;
+class FailureLine;
 class GroupOutlineModel;
 class ImageController;
 class ImagePane;
@@ -89,6 +90,8 @@ public:
     QLabel *nodeTitleField() const { return _nodeTitleField; }
     QLabel *dataSourceField() const { return _dataSourceField; }
     QLabel *lastUpdatedField() const { return _lastUpdatedField; }
+    // Why the selected node's last download failed, beside the last-update line.
+    FailureLine *failureField() const { return _failureField; }
     QPushButton *cancelDownloadButton() const { return _cancelDownloadButton; }
     QPushButton *refreshImageButton() const { return _refreshImageButton; }
     QPushButton *zoomImageButton() const { return _zoomImageButton; }
@@ -131,6 +134,8 @@ private:
     void nodeStatusChanged(Node *node);
     void nodeSettingsChanged(Node *node);
     void nodeDataLoaded(Node *node);
+    void nodeDownloadFailed(Node *node);
+    void showSaveError(const QString &reason);
 
     DomainGroup *_group;
     GroupOutlineModel *_model;
@@ -149,6 +154,7 @@ private:
     QLabel *_nodeTitleField = nullptr;
     QLabel *_dataSourceField = nullptr;
     QLabel *_lastUpdatedField = nullptr;
+    FailureLine *_failureField = nullptr;
     QPushButton *_cancelDownloadButton = nullptr;
     QPushButton *_refreshImageButton = nullptr;
     QPushButton *_zoomImageButton = nullptr;
@@ -159,4 +165,7 @@ private:
     // Restoring the expansion at start-up is not the user's choice and must not be remembered
     // as one; a double click that toggles a domain is, and is remembered.
     bool _restoringExpansion = false;
+    // Whether the view has been on screen, and so laid out, in this session. A view that never
+    // was has nothing of its own to store: the frames of its panes are not the user's.
+    bool _laidOut = false;
 };

@@ -7,6 +7,10 @@
 #include "support/LogSink.h"
 
 #include <QDebug>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+#include <limits>
 
 NodeGroup::NodeGroup(const QString &groupName, const QString &queuedLongStatus, QObject *parent)
     : QObject(parent), _groupName(groupName), _queue(queuedLongStatus)
@@ -140,20 +144,82 @@ void NodeGroup::nodeDidChangeUpdateSettings(Node *node)
 
 std::optional<QVariantMap> NodeGroup::readDefinitionFile(const QString &fileName)
 {
-    const QString path = ResourceLocator::definitionFilePath(fileName);
-    auto root = PropertyList::dictionaryFromFile(path);
+    const QString bundled = ResourceLocator::resourcePath(fileName);
+    const QString own = ResourceLocator::userDefinitionFilePath(fileName);
+    if (!own.isEmpty() &&
+        QFileInfo(own).absoluteFilePath() != QFileInfo(bundled).absoluteFilePath()) {
+        QString problem;
+        if (auto root = PropertyList::dictionaryFromFile(own, &problem))
+            return root;
+        // A mistake in the user's own list must not empty the view. It is the user's to mend, so
+        // it goes to the activity log, once per file.
+        const QString error =
+            QStringLiteral("Cannot read the definition file \"%1\": %2. The bundled one is used "
+                           "instead.")
+                .arg(own, problem);
+        if (_log)
+            _log->addErrorToLog(error);
+        else
+            qWarning().noquote() << error;
+    }
+    QString problem;
+    auto root = PropertyList::dictionaryFromFile(bundled, &problem);
     if (!root)
-        qWarning().noquote() << "Failed to load rootDict!" << QStringLiteral("(%1)").arg(path);
+        qWarning().noquote() << "Failed to load rootDict!"
+                             << QStringLiteral("(%1: %2)").arg(bundled, problem);
     return root;
 }
 
 std::unique_ptr<Node> NodeGroup::createNode(const QVariantMap &dict, const QString &entryName)
 {
     std::unique_ptr<Node> node = Node::create(dict, this, _dataFolderPath, false);
-    if (!node) {
-        qWarning().noquote() << "Cannot allocate resources for new Node!"
-                             << QStringLiteral("(group \"%1\", entry %2: %3)")
-                                    .arg(_groupName, entryName, Node::definitionProblem(dict));
-    }
+    if (!node)
+        reportUnusableEntry(entryName, Node::definitionProblem(dict));
     return node;
+}
+
+void NodeGroup::reportUnusableEntry(const QString &entryName, const QString &reason) const
+{
+    qWarning().noquote()
+        << "Cannot allocate resources for new Node!"
+        << QStringLiteral("(group \"%1\", entry %2: %3)").arg(_groupName, entryName, reason);
+}
+
+void NodeGroup::reportNumbering(const QVariantMap &dict, const QString &prefix, int probed,
+                                const QString &parent) const
+{
+    // Every key of the form prefix + digits, with its number (saturated: a number too large for
+    // the probe is simply beyond it).
+    const QRegularExpression numbered(QStringLiteral("^%1(\\d+)$").arg(prefix));
+    QList<std::pair<QString, qint64>> entries;
+    qint64 highest = -1;
+    for (auto it = dict.cbegin(); it != dict.cend(); ++it) {
+        const QRegularExpressionMatch match = numbered.match(it.key());
+        if (!match.hasMatch())
+            continue;
+        bool ok = false;
+        qint64 number = match.capturedView(1).toLongLong(&ok);
+        if (!ok)
+            number = std::numeric_limits<qint64>::max();
+        entries.append({it.key(), number});
+        highest = std::max(highest, number);
+    }
+
+    for (int i = 0; i < probed && i < highest; ++i) {
+        const QString key = prefix + QString::number(i);
+        if (!dict.contains(key))
+            reportUnusableEntry(parent + key, QStringLiteral("missing, a gap in the numbering"));
+    }
+
+    const QString first = prefix + QLatin1Char('0');
+    const QString reach = probed <= 0   ? QStringLiteral("no %1 entry is read here").arg(prefix)
+                          : probed == 1 ? QStringLiteral("only %1 is read here").arg(first)
+                                        : QStringLiteral("only %1 to %2 are read here")
+                                              .arg(first, prefix + QString::number(probed - 1));
+    for (const auto &[key, number] : entries) {
+        // "Node01" is never looked up, whatever its number: only "Node1" is.
+        if (number < probed && key == prefix + QString::number(number))
+            continue;
+        reportUnusableEntry(parent + key, QStringLiteral("never read, %1").arg(reach));
+    }
 }

@@ -75,10 +75,22 @@ signals:
 
 protected:
     void setDataFolderPath(const QString &path) { _dataFolderPath = path; }
-    // Reads a group definition file by name; logs "Failed to load rootDict!" when it cannot.
-    static std::optional<QVariantMap> readDefinitionFile(const QString &fileName);
+    // Reads a group definition file by name: the user's own (see ResourceLocator) when there is
+    // one, else the bundled one. A user's file that cannot be read is one error in the log, and
+    // the bundled file stands in for it; a bundled file that cannot be read logs "Failed to load
+    // rootDict!" on the console, and there is nothing.
+    std::optional<QVariantMap> readDefinitionFile(const QString &fileName);
     // A node for a definition entry, or none, with the reason on the console.
     std::unique_ptr<Node> createNode(const QVariantMap &dict, const QString &entryName);
+    // Says on the console that a definition entry cannot be used, and why.
+    void reportUnusableEntry(const QString &entryName, const QString &reason) const;
+    // The numbered entries ("Node%d" or "Domain%d", by the prefix) of a definition dictionary
+    // that the reading rule, which probes the indices 0 to probed - 1, cannot use: a missing
+    // index with a higher numbered entry after it (a gap), and every numbered entry that the
+    // probe never reaches. Each is reported on the console; the parent names the dictionary's
+    // own entry ("Domain0/"), empty for the root.
+    void reportNumbering(const QVariantMap &dict, const QString &prefix, int probed,
+                         const QString &parent = {}) const;
     void endQueue() { _queue.end(); }
     void cancelQueuedNode(Node *node);
 

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QTimeZone>
 
 #include <algorithm>
@@ -220,10 +221,33 @@ std::optional<QVariant> PropertyList::fromFile(const QString &path)
     return fromData(file.readAll());
 }
 
-std::optional<QVariantMap> PropertyList::dictionaryFromFile(const QString &path)
+std::optional<QVariantMap> PropertyList::dictionaryFromFile(const QString &path, QString *problem)
 {
-    const auto root = fromFile(path);
-    if (!root || root->typeId() != QMetaType::QVariantMap)
+    const auto fail = [problem](const QString &reason) -> std::optional<QVariantMap> {
+        if (problem)
+            *problem = reason;
         return std::nullopt;
+    };
+    const QFileInfo info(path);
+    if (!info.exists())
+        return fail(QStringLiteral("it is missing"));
+    if (info.isDir())
+        return fail(QStringLiteral("it is a folder, not a file"));
+    // Reading a pipe or a device could wait for ever.
+    if (!info.isFile())
+        return fail(QStringLiteral("it is not a plain file"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("it cannot be opened (%1)").arg(file.errorString()));
+    if (file.size() > kMaximumFileSize)
+        return fail(QStringLiteral("it is larger than %1 MB").arg(kMaximumFileSize >> 20));
+    const QByteArray data = file.readAll();
+    if (data.isEmpty())
+        return fail(QStringLiteral("it is empty"));
+    const auto root = fromData(data);
+    if (!root)
+        return fail(QStringLiteral("it is not a property list, or a damaged one"));
+    if (root->typeId() != QMetaType::QVariantMap)
+        return fail(QStringLiteral("its root is not a dictionary"));
     return root->toMap();
 }

@@ -75,6 +75,7 @@ void MoonCalc::setup()
 {
     _phased = 0.0;
     _phasei = 0;
+    _namedPhasei = 0;
     _previousphases.fill(0.0);
     _currentphases.fill(0.0);
     _nextphases.fill(0.0);
@@ -367,6 +368,7 @@ void MoonCalc::getMoonInfo()
     const double fraction = angle / 360.0;
     _phased = _southernHemi ? 1.0 - fraction : fraction;
     _phasei = getMoonPhaseAsInteger(_phased);
+    _namedPhasei = getMoonPhaseAsInteger(fraction);
     const int halfDays = int(std::lround(angle / 180.0 * kSynodicMonth));
     _age_p = _southernHemi ? 60 - halfDays : halfDays;
     _age_j = kSynodicMonth * (_southernHemi ? 1.0 - fraction : fraction);

@@ -39,7 +39,11 @@ public:
     double julianDate() const { return _jdate; }
     double julianDateGMT() const { return _jdateGMT; }
     double moonPhaseAsDouble() const { return _phased; }
+    // The octant of moonPhaseAsDouble(): mirrored in the southern display mode, it picks the
+    // picture.
     int moonPhaseAsInteger() const { return _phasei; }
+    // The octant of the Moon's real phase, the same in both hemispheres: it names the phase.
+    int namedPhaseAsInteger() const { return _namedPhasei; }
     double moonIllumination() const { return _illum; }
     double moonDistanceKilometers() const { return _dist; }
     double moonAngularDiameter() const { return _diam; }
@@ -117,6 +121,7 @@ private:
     double _jdateGMT = 0.0;
     double _phased = 0.0;
     int _phasei = 0;
+    int _namedPhasei = 0;
     PhaseArray _previousphases{};
     PhaseArray _currentphases{};
     PhaseArray _nextphases{};

@@ -181,7 +181,7 @@ int MoonCommand::run(const QStringList &arguments)
     QStringList lines = MoonText::lines(calc);
     const std::optional<QStringList> names = MoonPhaseNames::loadFromResources();
     if (names)
-        lines.append(MoonPhaseNames::nameForPhase(*names, calc.moonPhaseAsInteger()));
+        lines.append(MoonText::phaseName(calc, *names));
     else
         qWarning("phaseNamesDict failed to load");
     print(stdout, lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));

@@ -1,6 +1,7 @@
 #include "MoonText.h"
 
 #include "MoonCalc.h"
+#include "MoonPhaseNames.h"
 #include "support/CalendarFormat.h"
 
 #include <cmath>
@@ -54,6 +55,11 @@ QString MoonText::nextFullMoonLine(const MoonCalc &calc)
 QString MoonText::nextNewMoonLine(const MoonCalc &calc)
 {
     return QStringLiteral("Next New Moon: %1").arg(formatDate(calc.upcomingNewMoon()));
+}
+
+QString MoonText::phaseName(const MoonCalc &calc, const QStringList &names)
+{
+    return MoonPhaseNames::nameForPhase(names, calc.namedPhaseAsInteger());
 }
 
 QStringList MoonText::lines(const MoonCalc &calc, const QLocale &locale)

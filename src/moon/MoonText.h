@@ -20,6 +20,9 @@ public:
     static QString nextFullMoonLine(const MoonCalc &calc);
     // The upcoming new moon: never one before the date (see MoonCalc::upcomingNewMoon()).
     static QString nextNewMoonLine(const MoonCalc &calc);
+    // The name of the Moon's phase from the eight names in octant order (MoonPhaseNames). Only
+    // the picture is mirrored for the southern hemisphere; a phase has the same name in both.
+    static QString phaseName(const MoonCalc &calc, const QStringList &names);
     // The seven lines above, in that order.
     static QStringList lines(const MoonCalc &calc, const QLocale &locale = QLocale());
 

@@ -181,7 +181,7 @@ void MoonView::updateDisplay()
 
     const int octant = calc.moonPhaseAsInteger();
     _imageView->setImageName(MoonPhasePicture::nameForPhase(octant));
-    const QString name = MoonPhaseNames::nameForPhase(_phaseNames, octant);
+    const QString name = MoonText::phaseName(calc, _phaseNames);
     _phaseNameField->setText(name);
     _phaseNameField->setVisible(!name.isEmpty());
     _imageView->setAccessibleName(name.isEmpty() ? tr("Phase of the Moon") : name);
@@ -201,7 +201,15 @@ void MoonView::loadFrameSize()
 
 void MoonView::saveFrameSize()
 {
-    Settings::store().setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
+    // A view never on screen has only the size it was created with; what was stored stays.
+    if (_laidOut)
+        Settings::store().setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
+}
+
+void MoonView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    _laidOut = true;
 }
 
 void MoonView::loadStringsFromNib()

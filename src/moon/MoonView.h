@@ -50,6 +50,9 @@ public:
     void loadStringsFromNib();
     void cleanup();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void buildInterface();
     QPushButton *makeButton(const QString &text, const QString &toolTip, const char *name);
@@ -71,4 +74,6 @@ private:
     QPushButton *_nextDayButton = nullptr;
     QPushButton *_nextFullMoonButton = nullptr;
     QPushButton *_nextNewMoonButton = nullptr;
+    // Whether the view has been on screen in this session; see saveFrameSize().
+    bool _laidOut = false;
 };

@@ -1,5 +1,6 @@
 #include "AtomicFile.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryFile>
 
@@ -17,7 +18,10 @@ void AtomicFile::append(const QByteArray &chunk)
         return;
     if (!_file) {
         // Opened with the first bytes: a transfer that fails before any arrive leaves nothing.
+        // The folder is made again if it went away (the user may delete the data folder at any
+        // time), so downloads go on filling it.
         const QFileInfo target(_path);
+        QDir().mkpath(target.absolutePath());
         _file = std::make_unique<QTemporaryFile>(target.absolutePath() + QLatin1Char('/') +
                                                  target.fileName() + QStringLiteral(".XXXXXX"));
         _file->setAutoRemove(true);

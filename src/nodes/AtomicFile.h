@@ -10,7 +10,8 @@ class QTemporaryFile;
 // A data file's replacement, written while its bytes arrive and put in place in one step: anyone
 // reading the data file sees the old file or the new one, never part of either, also when the
 // process is killed in the middle. The bytes go to a temporary file in the target's folder, which
-// commit() renames over the target; one that is never committed is removed. Where the system
+// commit() renames over the target; one that is never committed is removed. A target folder that
+// is missing is made (with its parents) when the first bytes arrive. Where the system
 // allows it (Linux), Qt creates that file without a name and names it ("name.XXXXXX") only just
 // before the rename, so a killed transfer leaves nothing behind; elsewhere the file has its name
 // from the start, and the next start removes what a killed one left (AppCore).

@@ -1,6 +1,7 @@
 #include "Node.h"
 
 #include "AtomicFile.h"
+#include "ContentCheck.h"
 #include "NetworkAccess.h"
 #include "NodeDelegate.h"
 #include "UpdateTimeText.h"
@@ -291,18 +292,21 @@ void Node::beginDownloadingData()
         return;
     _lastFailure.clear();
 
-    const float timeout = Preferences::shared().timeoutSeconds();
-    const double ms = std::ceil(double(timeout) * 1000.0);
-    // A time-out of zero or less leaves the transfer without one; very large values are capped
-    // at what a timer can hold.
-    _timeoutMilliseconds = ms > 0 ? int(std::min(ms, double(std::numeric_limits<int>::max()))) : 0;
+    // Always some time-out: one silent server must not hold up its view's queue for ever. Very
+    // large values are capped at what a timer can hold.
+    const double ms = std::ceil(double(Preferences::shared().transferTimeoutSeconds()) * 1000.0);
+    _timeoutMilliseconds = int(std::clamp(ms, 1.0, double(std::numeric_limits<int>::max())));
 
     const QUrl url(_sourceURL, QUrl::StrictMode);
     const QString scheme = url.scheme().toLower();
     if (!url.isValid() || url.host().isEmpty() ||
         (scheme != QLatin1String("http") && scheme != QLatin1String("https"))) {
-        failAtStart(failedText(_itemName, QStringLiteral("\"%1\" is not an http or https address")
-                                              .arg(_sourceURL)));
+        // The attempt counts as an update, as every failed one does: an automatic node then
+        // tries again one interval later, not on every tick of the scheduler.
+        setLastUpdateNow();
+        calculateNextUpdate();
+        failAtStart(failedText(
+            _itemName, QStringLiteral("\"%1\" is not an http or https address").arg(_sourceURL)));
         return;
     }
 
@@ -368,6 +372,7 @@ void Node::connectionDidReceiveResponse()
     _expectedContentLength = (declared.isValid() && ok && length >= 0) ? length : -1;
     if (_receivedData)
         _receivedData->clear();
+    _firstBytes.clear();
 
     if (_expectedContentLength > kMaximumDataSize) {
         connectionDidFail(QStringLiteral("The server announced more data than the 256 MB limit."),
@@ -399,6 +404,9 @@ void Node::connectionDidReceiveData()
         setStatusMessage(QStringLiteral("%1%").arg(shown),
                          QStringLiteral("%1% Complete...").arg(shown));
     }
+    if (_firstBytes.size() < ContentCheck::kPrefixSize)
+        _firstBytes.append(
+            chunk.first(std::min(chunk.size(), ContentCheck::kPrefixSize - _firstBytes.size())));
     _receivedData->append(chunk);
 }
 
@@ -423,9 +431,10 @@ void Node::transferFinished()
             // An error page is not data: say what the server answered instead of Qt's wording.
             const QString reason =
                 reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
-            description = reason.isEmpty()
-                              ? QStringLiteral("The server answered %1.").arg(status)
-                              : QStringLiteral("The server answered %1 %2.").arg(status).arg(reason);
+            description =
+                reason.isEmpty()
+                    ? QStringLiteral("The server answered %1.").arg(status)
+                    : QStringLiteral("The server answered %1 %2.").arg(status).arg(reason);
         }
         connectionDidFail(description, reply->url().toString());
         return;
@@ -450,13 +459,16 @@ void Node::connectionDidFinishLoading()
         setStatusMessage(QStringLiteral("Err"), errorStatusLong());
         reportFailure(failedText(
             _itemName,
-            QStringLiteral(
-                "data length is zero (the file may not be available at this time)")));
+            QStringLiteral("data length is zero (the file may not be available at this time)")));
     } else if (data.size() != _expectedContentLength && !_overrideDataMismatch) {
         setStatusMessage(QStringLiteral("Err"), errorStatusLong());
-        reportFailure(failedText(_itemName,
-                                 QStringLiteral("data length does not match expected size (the "
-                                                "file may not be available at this time)")));
+        reportFailure(
+            failedText(_itemName, QStringLiteral("data length does not match expected size (the "
+                                                 "file may not be available at this time)")));
+    } else if (!ContentCheck::isExpected(_fileType, _firstBytes)) {
+        setStatusMessage(QStringLiteral("Err"), errorStatusLong());
+        reportFailure(failedText(
+            _itemName, QStringLiteral("the server sent something other than the expected file")));
     } else {
         if (!data.commit()) {
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());
@@ -479,8 +491,8 @@ void Node::connectionDidFail(const QString &description, const QString &failingA
         _download->disconnect(this);
         _download->abort();
     }
-    reportFailure(QStringLiteral("Download of \"%1\" Failed: %2 %3")
-                      .arg(_itemName, description, address));
+    reportFailure(
+        QStringLiteral("Download of \"%1\" Failed: %2 %3").arg(_itemName, description, address));
     setLastUpdateNow();
     calculateNextUpdate();
     setStatusMessage(QStringLiteral("Err"), errorStatusLong());
@@ -527,6 +539,7 @@ void Node::resetDownload()
         reply->deleteLater();
     }
     _receivedData.reset();
+    _firstBytes.clear();
     _bytesReceived = 0;
     _expectedContentLength = 0;
     _isDownloading = false;

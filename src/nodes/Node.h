@@ -142,6 +142,8 @@ private:
     QPointer<QNetworkReply> _download;
     // The bytes of the transfer in progress, written as they arrive.
     std::unique_ptr<AtomicFile> _receivedData;
+    // The first bytes of the same transfer, kept for the content check at its end.
+    QByteArray _firstBytes;
     bool _isDownloading = false;
     QString _sourceURL;
     QString _filePath;

@@ -1,5 +1,6 @@
 #include "ClickableText.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 
 ClickableText::ClickableText(const QColor &highlight, bool ignoresEmptyPress, QWidget *parent)
@@ -20,9 +21,13 @@ void ClickableText::finishInitialization()
 
 QColor ClickableText::restingColour() const
 {
-    return palette().color(QPalette::Window).lightness() < 128
-               ? palette().color(QPalette::WindowText)
-               : QColor(Qt::black);
+    // The field's own palette holds whatever colour it was last given (the highlight, after a
+    // hover), so the window's colours are read from where the field would take them from: its
+    // parent, or the application.
+    const QPalette window =
+        parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
+    return window.color(QPalette::Window).lightness() < 128 ? window.color(QPalette::WindowText)
+                                                            : QColor(Qt::black);
 }
 
 QColor ClickableText::textColour() const
@@ -35,6 +40,18 @@ void ClickableText::setTextColour(const QColor &colour)
     QPalette p = palette();
     p.setColor(QPalette::WindowText, colour);
     setPalette(p);
+}
+
+bool ClickableText::event(QEvent *event)
+{
+    const bool handled = QLabel::event(event);
+    // Put in a window, or the window's colours changed (a dark theme chosen): rest in the new
+    // colours. Not while pointed at or pressed, which show the highlight.
+    if ((event->type() == QEvent::ParentChange ||
+         event->type() == QEvent::ApplicationPaletteChange) &&
+        !underMouse() && !_beingClicked)
+        setTextColour(restingColour());
+    return handled;
 }
 
 void ClickableText::enterEvent(QEnterEvent *event)

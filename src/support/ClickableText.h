@@ -13,7 +13,8 @@ public:
     bool beingClicked() const { return _beingClicked; }
     bool beenClicked() const { return _beenClicked; }
     QColor highlightColour() const { return _highlight; }
-    // The colour at rest: black, unless the window is dark, where black could not be read.
+    // The colour at rest: black, unless the window is dark, where black could not be read. Read
+    // from the window's palette each time, never from the field's own.
     QColor restingColour() const;
     QColor textColour() const;
 
@@ -24,6 +25,7 @@ protected:
     ClickableText(const QColor &highlight, bool ignoresEmptyPress, QWidget *parent);
     void finishInitialization();
 
+    bool event(QEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

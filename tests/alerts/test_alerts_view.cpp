@@ -8,6 +8,7 @@
 #include "groups/FlatGroup.h"
 #include "nodes/Node.h"
 #include "nodes/NodeScheduler.h"
+#include "support/FailureLine.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -18,6 +19,7 @@
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSettings>
 #include <QtTest>
 
@@ -37,7 +39,8 @@ private slots:
     void zeroByteFile();
     void otherDownloadLeavesTheTextInPlace();
     void reloadShowsTheNewReport();
-    void failedDownloadKeepsTheDownloadingText();
+    void failedDownloadSaysWhy_data();
+    void failedDownloadSaysWhy();
     void emptiedCacheKeepsTheText_data();
     void emptiedCacheKeepsTheText();
     void dailyReportAndCancelButtons();
@@ -113,11 +116,13 @@ private:
 
 namespace {
 
-const QString kNotLoaded = QStringLiteral("Data not loaded. Press \"Reload\" to download current data.");
+const QString kNotLoaded =
+    QStringLiteral("Data not loaded. Press \"Reload\" to download current data.");
 const QString kDownloading = QStringLiteral("Downloading data, please wait...");
 const QByteArray kDailyReport = ":Product: Daily\n:Issued: 2026 Nov 16\nSummary\nIA.  Regions\n";
 const QString kDailyShown = QStringLiteral("Daily\nIssued: 2026 Nov 16\nSummary\n\n1A.  Regions\n");
-const QByteArray kWeeklyReport = ":Product: Weekly\n:Issued: 2026 Nov 16\nFirst line\nsecond line\n";
+const QByteArray kWeeklyReport =
+    ":Product: Weekly\n:Issued: 2026 Nov 16\nFirst line\nsecond line\n";
 const QString kWeeklyShown = QStringLiteral("Weekly Issued: 2026 Nov 16 First line second line ");
 
 } // namespace
@@ -244,29 +249,55 @@ void TestAlertsView::otherDownloadLeavesTheTextInPlace()
 
 void TestAlertsView::reloadShowsTheNewReport()
 {
-    writeDefinitions("daily");
-    writeData(QStringLiteral("RSGA.txt"), ":Product: Yesterday\n");
+    // Both issues are long enough to scroll.
+    QByteArray lines;
+    for (int i = 0; i < 300; ++i)
+        lines += "line " + QByteArray::number(i) + '\n';
+    _server->serve("/long", ":Product: Today\n" + lines);
+    writeDefinitions("long");
+    writeData(QStringLiteral("RSGA.txt"), ":Product: Yesterday\n" + lines);
     load();
-    QCOMPARE(shownText(), QStringLiteral("Yesterday\n"));
+    QVERIFY(shownText().startsWith(QStringLiteral("Yesterday\n")));
+    QScrollBar *bar = _view->nodeDataTextView()->verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int position = bar->value();
+    QVERIFY(position > 0);
     _view->refreshButton()->click();
     QVERIFY(_group->nodeIsInDownloadQueue(nodeAt(0)));
-    QTRY_COMPARE(shownText(), kDailyShown);
+    QTRY_VERIFY(shownText().startsWith(QStringLiteral("Today\n")));
+    QCOMPARE(bar->value(), position); // the new issue keeps the reader's place
+    choose(0);                        // chosen from the menu, the report starts at the top
+    QCOMPARE(bar->value(), 0);
     QVERIFY(_view->refreshButton()->isEnabled());
 }
 
-void TestAlertsView::failedDownloadKeepsTheDownloadingText()
+void TestAlertsView::failedDownloadSaysWhy_data()
 {
-    writeDefinitions("stall", "gone");
+    QTest::addColumn<bool>("atOnce");
+    QTest::newRow("the server refuses") << false;
+    QTest::newRow("an address that cannot be fetched") << true;
+}
+
+void TestAlertsView::failedDownloadSaysWhy()
+{
+    QFETCH(bool, atOnce);
+    QVariantMap weekly = node("WKHF.txt", "Weekly", "gone");
+    if (atOnce)
+        weekly.insert(QStringLiteral("URL"), QStringLiteral("ftp://127.0.0.1/"));
+    writeNodes({node("RSGA.txt", "Daily", "stall"), weekly});
     writeData(QStringLiteral("RSGA.txt"), kDailyReport);
     load();
     choose(1);
-    QCOMPARE(shownText(), kDownloading);
     QTRY_COMPARE(statusLine(), QStringLiteral("Error, please see Activity Window for details"));
-    QCOMPARE(shownText(), kDownloading);
-    QVERIFY(_group->downloadQueue().isEmpty());
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
+    // No report: the view says so, with the log's words (no time stamp) in the failure line.
+    QCOMPARE(shownText(), AlertsView::failedText());
     QCOMPARE(_log.entries.size(), 1);
-    QVERIFY(_log.entries.first().startsWith(QStringLiteral("error: ")));
+    QCOMPARE(QStringLiteral("error: ") + _view->failureField()->text(), _log.entries.first());
+    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
+    QTest::qWait(100); // nothing tries again by itself
+    QCOMPARE(_server->totalRequests(), atOnce ? 0 : 1);
+    _view->refreshButton()->click(); // a new attempt clears the line while it runs
+    QCOMPARE(_view->failureField()->text().isEmpty(), !atOnce);
 }
 
 void TestAlertsView::emptiedCacheKeepsTheText_data()
@@ -412,6 +443,7 @@ void TestAlertsView::emptyList()
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("not a property list");
         file.close();
+        ResourceLocator::setResourceFolder(_definitions); // the bundled file: nothing replaces it
         QTest::ignoreMessage(QtWarningMsg,
                              QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     }
@@ -419,11 +451,9 @@ void TestAlertsView::emptyList()
     load();
     QCOMPARE(_view->nodeListMenu()->count(), 0);
     QCOMPARE(_group->selectedNode(), nullptr);
-    for (QWidget *control :
-         std::initializer_list<QWidget *>{_view->nodeListMenu(), _view->refreshButton(),
-                                          _view->dailyReportButton(),
-                                          _view->cancelNodeDownloadButton(),
-                                          _view->scheduleNodeButton()})
+    for (QWidget *control : std::initializer_list<QWidget *>{
+             _view->nodeListMenu(), _view->refreshButton(), _view->dailyReportButton(),
+             _view->cancelNodeDownloadButton(), _view->scheduleNodeButton()})
         QVERIFY(!control->isEnabled());
     QCOMPARE(statusLine(), QString());
     QCOMPARE(lastUpdateLine(), QString());

@@ -1,6 +1,6 @@
 #include "TestEnvironment.h"
-#include "UrlCatcher.h"
 #include "TestHttpServer.h"
+#include "UrlCatcher.h"
 
 #include "alerts/AlertsView.h"
 #include "app/AboutBox.h"
@@ -20,21 +20,21 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDesktopServices>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QUrlQuery>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
-#include <QImage>
 #include <QFileInfo>
+#include <QImage>
 #include <QLabel>
+#include <QMessageBox>
 #include <QProcess>
+#include <QPushButton>
 #include <QSettings>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QTreeView>
+#include <QUrlQuery>
 #include <QtTest>
 
 #include <csignal>
@@ -98,8 +98,7 @@ void TestAppController::singleInstance()
 void TestAppController::firstStart()
 {
     start();
-    const QString executable = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-    QCOMPARE(_controller->window()->windowTitle(), executable + QStringLiteral(" version 0.1.0"));
+    QCOMPARE(_controller->window()->windowTitle(), QStringLiteral("Vantorel version 0.1.0"));
     QCOMPARE(_controller->aboutBox()->versionNumberField()->text(),
              QStringLiteral("Version Number 0.1.0"));
 
@@ -121,8 +120,7 @@ void TestAppController::firstStart()
     }
     QCOMPARE(core->sunGroup()->groupName(), QStringLiteral("Sun"));
     QCOMPARE(core->earthGroup()->groupNumber(), 3);
-    QCOMPARE(_controller->alertsView()->nodeListMenu()->count(),
-             core->alertsGroup()->nodeCount());
+    QCOMPARE(_controller->alertsView()->nodeListMenu()->count(), core->alertsGroup()->nodeCount());
 
     QCOMPARE(_controller->lastView(), 0);
     auto *stack = qobject_cast<QStackedWidget *>(_controller->window()->centralWidget());
@@ -151,7 +149,14 @@ void TestAppController::restoresTheLastView()
     QFETCH(int, stored);
     QFETCH(int, shownIndex);
     QFETCH(bool, imageView);
-    QSettings().setValue(QStringLiteral("lastView"), stored);
+    // Only the view on screen is laid out, so only its layout is stored at quit; the others
+    // keep what they had (here: nothing, or the Moon's earlier size).
+    const QStringList layoutKeys = {"SunViewSplitViewRects",    "GraphsViewSplitViewRects",
+                                    "AuroraViewSplitViewRects", "EarthViewSplitViewRects",
+                                    "AlertsViewSize",           "MoonViewSize"};
+    QSettings settings;
+    settings.setValue(QStringLiteral("MoonViewSize"), QStringLiteral("{123, 45}"));
+    settings.setValue(QStringLiteral("lastView"), stored);
     start();
     auto *stack = qobject_cast<QStackedWidget *>(_controller->window()->centralWidget());
     QCOMPARE(stack->currentIndex(), shownIndex);
@@ -159,6 +164,9 @@ void TestAppController::restoresTheLastView()
     QCOMPARE(_controller->lastView(), stored); // kept as it was, and stored so
     _controller->applicationWillTerminate();
     QCOMPARE(QSettings().value(QStringLiteral("lastView")).toInt(), stored);
+    for (int view = 0; view < 5; ++view)
+        QCOMPARE(settings.contains(layoutKeys[view]), view == shownIndex);
+    QCOMPARE(settings.value(layoutKeys[5]) == QStringLiteral("{123, 45}"), shownIndex != 5);
 }
 
 void TestAppController::offlineAtLaunchQueuesNothing()
@@ -287,15 +295,14 @@ void TestAppController::aboutLinksOpenThenClose()
 void TestAppController::hiddenViewKeepsWorking()
 {
     TestHttpServer server;
-    server.serve("/sun.png", QByteArray(5000, 'x'));
+    server.serve("/sun.png", TestHttpServer::picture(5000));
     const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
     QVERIFY(TestEnvironment::writePropertyList(
         definitions + QStringLiteral("/DataSun.plist"),
         {{"Domain0", QVariantMap{{"DomainName", "Disc"},
-                                 {"Node0", TestEnvironment::nodeDict(QStringLiteral("sun.png"),
-                                                                     QStringLiteral("Disc"),
-                                                                     server.baseUrl(),
-                                                                     QStringLiteral("sun.png"))}}}}));
+                                 {"Node0", TestEnvironment::nodeDict(
+                                               QStringLiteral("sun.png"), QStringLiteral("Disc"),
+                                               server.baseUrl(), QStringLiteral("sun.png"))}}}}));
     ResourceLocator::setDefinitionsFolder(definitions);
     start();
     _controller->setGroupView(5); // the Moon view on screen, the Sun view hidden
@@ -350,14 +357,13 @@ void TestAppController::signalsShutDownInOrder()
     QCOMPARE(app.exitStatus(), QProcess::NormalExit);
     QCOMPARE(app.exitCode(), 0);
 
-    QSettings stored(home + QStringLiteral("/.config/Vantorel/Vantorel.conf"), QSettings::IniFormat);
+    QSettings stored(home + QStringLiteral("/.config/Vantorel/Vantorel.conf"),
+                     QSettings::IniFormat);
     QCOMPARE(stored.value(QStringLiteral("lastView")).toInt(), 5);
     QCOMPARE(stored.value(QStringLiteral("timeoutSeconds")).toInt(), 45); // --timeout is not kept
     QVERIFY(stored.contains(QStringLiteral("isOnline")));
     QVERIFY(stored.contains(QStringLiteral("MainWindow")));
     QVERIFY(stored.contains(QStringLiteral("ActivityLogWindow")));
-    QVERIFY(stored.contains(QStringLiteral("SunViewSplitViewRects")));
-    QVERIFY(stored.contains(QStringLiteral("AlertsViewSize")));
     QVERIFY(stored.contains(QStringLiteral("MoonViewSize")));
     QVERIFY(stored.contains(QStringLiteral("lastUpdateForNodeRSGA.txt")));
     QVERIFY(QFileInfo(home + QStringLiteral("/.local/share/Vantorel Data")).isDir());

@@ -31,6 +31,7 @@ private slots:
     void oneTimerAtMost();
     void timerTicksQueueDueNodes();
     void offlineTicksDoNothing();
+    void unfetchableAddressWaitsAnInterval();
     void toggle();
     void staleTemporaryFilesRemoved();
 
@@ -251,6 +252,22 @@ void TestAppCore::offlineTicksDoNothing()
     // Update all is not blocked by the controller itself.
     _core->updateAllNodes();
     QCOMPARE(_log.entries.size(), 5);
+}
+
+void TestAppCore::unfetchableAddressWaitsAnInterval()
+{
+    TestEnvironment::setNow(QDateTime(QDate(2026, 3, 3), QTime(3, 0)));
+    addFailingNodes(true); // every 5 minutes, at an ftp address
+    TestEnvironment::advance(5 * 60);
+    _core->schedulerFired();
+    QCOMPARE(_log.entries.size(), 5);
+    // The next tick does not try again: the failed attempt counts as the last update.
+    TestEnvironment::advance(5);
+    _core->schedulerFired();
+    QCOMPARE(_log.entries.size(), 5);
+    TestEnvironment::advance(5 * 60);
+    _core->schedulerFired();
+    QCOMPARE(_log.entries.size(), 10);
 }
 
 void TestAppCore::toggle()

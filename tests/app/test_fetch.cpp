@@ -91,9 +91,9 @@ void TestFetch::init()
 {
     TestEnvironment::resetState();
     _server = std::make_unique<TestHttpServer>();
-    _server->serve("/sun1", "first sun image");
-    _server->serve("/sun2", "second sun image");
-    _server->serve("/image", TestHttpServer::bytes(50000));
+    _server->serve("/sun1", TestHttpServer::picture(100));
+    _server->serve("/sun2", TestHttpServer::picture(200));
+    _server->serve("/image", TestHttpServer::picture(50000));
     _server->serve("/report", ":Product: Report\n:Issued: 2026 Nov 22\n");
     _definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
     // A folder that does not exist yet: fetch makes it.
@@ -114,7 +114,7 @@ void TestFetch::fetchesEverything()
     QCOMPARE(result.out.filter(QRegularExpression(QStringLiteral("\"Sun Two\" Successful$"))).size(), 1);
     QFile sun(_data + QStringLiteral("/sun2.png"));
     QVERIFY(sun.open(QIODevice::ReadOnly));
-    QCOMPARE(sun.readAll(), QByteArray("second sun image"));
+    QCOMPARE(sun.readAll(), TestHttpServer::picture(200));
     QCOMPARE(QFileInfo(_data + QStringLiteral("/Earth.png")).size(), 50000);
     QVERIFY(QFileInfo::exists(_data + QStringLiteral("/WKHF.txt")));
 }

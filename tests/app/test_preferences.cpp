@@ -123,8 +123,15 @@ void TestPreferences::timeoutForThisRunOnlyIsNotStored()
     // A value chosen in the panel ends the override and is stored.
     prefs.setTimeoutSeconds(30.0f);
     QCOMPARE(prefs.timeoutSeconds(), 30.0f);
+    QCOMPARE(prefs.transferTimeoutSeconds(), 30.0f);
     prefs.savePreferences(settings);
     QCOMPARE(settings.value(QStringLiteral("timeoutSeconds")).toFloat(), 30.0f);
+    // Zero or less, from either source, is kept as given but never turns time-outs off.
+    prefs.setTimeoutOverride(0.0f);
+    QCOMPARE(prefs.timeoutSeconds(), 0.0f);
+    QCOMPARE(prefs.transferTimeoutSeconds(), 60.0f);
+    prefs.setTimeoutSeconds(-5.0f);
+    QCOMPARE(prefs.transferTimeoutSeconds(), 60.0f);
 }
 
 void TestPreferences::dataFolderCreatedWithItsBase()

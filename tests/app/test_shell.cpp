@@ -1,11 +1,14 @@
 #include "TestEnvironment.h"
+#include "TestHttpServer.h"
 
+#include "alerts/AlertsView.h"
 #include "app/AppController.h"
 #include "app/AppCore.h"
 #include "app/MainToolbar.h"
 #include "app/MainWindow.h"
 #include "app/Preferences.h"
 #include "app/PreferencesPanel.h"
+#include "app/ResourceLocator.h"
 #include "app/ToolbarConfiguration.h"
 #include "app/ToolbarCustomizer.h"
 #include "app/ToolbarItems.h"
@@ -24,6 +27,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
+#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -51,7 +55,8 @@ private slots:
     void customizerEditing();
     void damagedConfiguration_data();
     void damagedConfiguration();
-    void menuEnablingRule();
+    void menuEnabling_data();
+    void menuEnabling();
     void preferencesPanel();
     void scheduleSheet();
     void scheduleSheetOutOfRangeRate();
@@ -93,13 +98,13 @@ void TestShell::itemSets()
 {
     QCOMPARE(ToolbarItems::defaultItemIdentifiers(),
              QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon",
-                          ToolbarItems::kFlexibleSpace, "Online", "Offline", ToolbarItems::kSeparator,
-                          ToolbarItems::kCustomize}));
-    QCOMPARE(ToolbarItems::allowedItemIdentifiers(),
-             QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Update", "Cancel",
-                          "Online", "Offline", "Prefs", ToolbarItems::kSeparator,
-                          ToolbarItems::kSpace, ToolbarItems::kFlexibleSpace,
-                          ToolbarItems::kCustomize}));
+                          ToolbarItems::kFlexibleSpace, "Online", "Offline",
+                          ToolbarItems::kSeparator, ToolbarItems::kCustomize}));
+    QCOMPARE(
+        ToolbarItems::allowedItemIdentifiers(),
+        QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Update", "Cancel",
+                     "Online", "Offline", "Prefs", ToolbarItems::kSeparator, ToolbarItems::kSpace,
+                     ToolbarItems::kFlexibleSpace, ToolbarItems::kCustomize}));
     QCOMPARE(ToolbarItems::selectableItemIdentifiers(),
              QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon"}));
 
@@ -126,7 +131,8 @@ void TestShell::itemSets()
 void TestShell::unknownIdentifier()
 {
     start();
-    QAction *action = _controller->mainToolbar()->itemForItemIdentifier(QStringLiteral("Pluto"), this);
+    QAction *action =
+        _controller->mainToolbar()->itemForItemIdentifier(QStringLiteral("Pluto"), this);
     QVERIFY(action->text().isEmpty());
     QVERIFY(action->icon().isNull());
     _controller->setGroupView(3);
@@ -271,29 +277,74 @@ void TestShell::damagedConfiguration()
     QCOMPARE(ToolbarConfiguration::load(settings), expected);
 }
 
-void TestShell::menuEnablingRule()
+void TestShell::menuEnabling_data()
 {
-    start();
-    QAction *zoom = _controller->menuItem(766);
-    QAction *save = _controller->menuItem(767);
-    QVERIFY(zoom && save);
-    const auto enabled = [&] {
-        _controller->validateMenus();
-        return QList<bool>{zoom->isEnabled(), save->isEnabled()};
+    QTest::addColumn<int>("view");
+    QTest::addColumn<QString>("state");        // of the node selected in the Sun and Alerts views
+    QTest::addColumn<QList<bool>>("expected"); // reload, cancel, zoom, save, reveal, schedule
+    using On = QList<bool>;
+    const On none{false, false, false, false, false, false};
+    QTest::newRow("Sun, data") << 0 << "data" << On{true, false, true, true, true, true};
+    QTest::newRow("Sun, no data") << 0 << "missing" << On{true, false, false, false, false, true};
+    QTest::newRow("Sun, queued") << 0 << "queued" << On{true, true, true, true, true, true};
+    QTest::newRow("Sun, cache emptied")
+        << 0 << "emptied" << On{true, false, false, false, false, true};
+    QTest::newRow("Graphs, nothing selected") << 1 << "data" << none;
+    QTest::newRow("Alerts, data") << 4 << "data" << On{true, false, false, false, true, true};
+    QTest::newRow("Alerts, queued") << 4 << "queued" << On{true, true, false, false, true, true};
+    QTest::newRow("Alerts, cache emptied")
+        << 4 << "emptied" << On{true, false, false, false, false, true};
+    QTest::newRow("Moon") << 5 << "data" << none;
+}
+
+void TestShell::menuEnabling()
+{
+    QFETCH(int, view);
+    QFETCH(QString, state);
+    QFETCH(QList<bool>, expected);
+    TestHttpServer server;
+    server.stall("/stall");
+    const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
+    const auto entry = [&server](const QString &dest) {
+        return TestEnvironment::nodeDict(dest, dest, server.baseUrl(), QStringLiteral("stall"));
     };
-    _controller->setGroupView(0);
-    QCOMPARE(enabled(), QList<bool>({false, false})); // nothing selected
-    Preferences::shared().setOnline(false);
-    _controller->sunView()->outlineShouldSelectItem(
-        _controller->core()->sunGroup()->allNodes().first());
-    QCOMPARE(enabled(), QList<bool>({true, true}));
-    _controller->setGroupView(4);
-    QCOMPARE(enabled(), QList<bool>({false, false}));
-    _controller->setGroupView(5);
-    QCOMPARE(enabled(), QList<bool>({false, false}));
-    _controller->setGroupView(1); // Graphs has no selection
-    QCOMPARE(enabled(), QList<bool>({false, false}));
-    QVERIFY(_controller->validateMenuItem(_controller->menuItem(3)));
+    QVERIFY(TestEnvironment::writePropertyList(
+        definitions + QStringLiteral("/DataSun.plist"),
+        {{"Domain0", QVariantMap{{"DomainName", "Disc"}, {"Node0", entry("sun.png")}}}}));
+    QVERIFY(TestEnvironment::writePropertyList(definitions + QStringLiteral("/DataAlerts.plist"),
+                                               {{"Node0", entry("RSGA.txt")}}));
+    ResourceLocator::setDefinitionsFolder(definitions);
+    QSettings().setValue(QStringLiteral("isOnline"), 0); // nothing is fetched unasked
+    start();
+    Node *sun = _controller->core()->sunGroup()->allNodes().first();
+    Node *report = _controller->core()->alertsGroup()->nodeAt(0);
+    for (Node *node : {sun, report}) {
+        node->removeDataFile(); // from an earlier row
+        QFile file(node->filePath());
+        QVERIFY(state == QLatin1String("missing") || file.open(QIODevice::WriteOnly));
+    }
+    _controller->sunView()->outlineShouldSelectItem(sun);
+    _controller->alertsView()->selectNodeFromList();
+    _controller->setGroupView(view);
+    // The menus follow the queue and the cache by themselves.
+    if (state == QLatin1String("queued")) {
+        _controller->core()->sunGroup()->addNodeToDownloadQueue(sun);
+        _controller->core()->alertsGroup()->addNodeToDownloadQueue(report);
+    } else if (state == QLatin1String("emptied")) {
+        _controller->core()->emptyGroupCaches();
+    }
+    const QList<QAction *> items{_controller->reloadItem(),  _controller->cancelDownloadItem(),
+                                 _controller->menuItem(766), _controller->menuItem(767),
+                                 _controller->revealItem(),  _controller->scheduleItem()};
+    QList<bool> enabled;
+    for (QAction *item : items)
+        enabled << item->isEnabled();
+    QCOMPARE(enabled, expected);
+    if (GroupView *shown = _controller->selectedGroupView()) // its buttons agree
+        QCOMPARE((QList<bool>{shown->zoomImageButton()->isEnabled(),
+                              shown->revealImageButton()->isEnabled()}),
+                 (QList<bool>{expected[2], expected[4]}));
+    _controller->cancelAllDownloads();
 }
 
 void TestShell::preferencesPanel()
@@ -384,12 +435,12 @@ void TestShell::linkField_data()
     QTest::addColumn<int>("clicks");
     const QPoint in(10, 10);
     const QPoint out(200, 10);
-    QTest::newRow("press and release inside") << false << "https://example.org"
-                                              << QList<QPoint>{in, in} << 1;
-    QTest::newRow("dragged out, released outside") << false << "https://example.org"
-                                                   << QList<QPoint>{in, out, out} << 0;
-    QTest::newRow("out and back in") << false << "https://example.org"
-                                     << QList<QPoint>{in, out, in, in} << 1;
+    QTest::newRow("press and release inside")
+        << false << "https://example.org" << QList<QPoint>{in, in} << 1;
+    QTest::newRow("dragged out, released outside")
+        << false << "https://example.org" << QList<QPoint>{in, out, out} << 0;
+    QTest::newRow("out and back in")
+        << false << "https://example.org" << QList<QPoint>{in, out, in, in} << 1;
     QTest::newRow("blue with no text ignores it") << false << "" << QList<QPoint>{in, in} << 0;
     QTest::newRow("orange with no text still clicks") << true << "" << QList<QPoint>{in, in} << 1;
 }
@@ -430,18 +481,26 @@ void TestShell::linkField()
 
 void TestShell::linkHover()
 {
-    ClickableTextBlue field;
-    field.setText(QStringLiteral("https://example.org"));
-    QCOMPARE(field.highlightColour(), QColor::fromRgbF(0, 0, 0.75f));
+    // In a dark window the link rests in the window's text colour, before and after a hover.
+    const QColor resting(230, 230, 230);
+    QWidget parent;
+    QPalette colours = parent.palette();
+    colours.setColor(QPalette::Window, QColor(30, 30, 30));
+    colours.setColor(QPalette::WindowText, resting);
+    parent.setPalette(colours);
+    auto *field = new ClickableTextBlue(&parent);
+    field->setText(QStringLiteral("https://example.org"));
+    QCOMPARE(field->highlightColour(), QColor::fromRgbF(0, 0, 0.75f));
     QCOMPARE(ClickableTextOrange().highlightColour(), QColor::fromRgbF(0.7f, 0.2f, 0));
+    QCOMPARE(field->textColour(), resting);
     QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
-    QApplication::sendEvent(&field, &enter);
-    QCOMPARE(field.textColour(), field.highlightColour());
-    QCOMPARE(field.cursor().shape(), Qt::PointingHandCursor);
+    QApplication::sendEvent(field, &enter);
+    QCOMPARE(field->textColour(), field->highlightColour());
+    QCOMPARE(field->cursor().shape(), Qt::PointingHandCursor);
     QEvent leave(QEvent::Leave);
-    QApplication::sendEvent(&field, &leave);
-    QCOMPARE(field.textColour(), field.restingColour());
-    QCOMPARE(field.cursor().shape(), Qt::ArrowCursor);
+    QApplication::sendEvent(field, &leave);
+    QCOMPARE(field->textColour(), resting);
+    QCOMPARE(field->cursor().shape(), Qt::ArrowCursor);
 }
 
 void TestShell::backgroundClickTakesFocus()

@@ -1,3 +1,4 @@
+#include "RecordingLog.h"
 #include "TestEnvironment.h"
 
 #include "app/ResourceLocator.h"
@@ -53,6 +54,16 @@ private:
         return path;
     }
     static QVariantMap node(const QString &dest) { return TestEnvironment::nodeDict(dest); }
+    // Each report must reach the console, and no other about an entry.
+    static void expectReports(const QString &group, const QStringList &reports)
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("^Cannot allocate resources")));
+        for (const QString &report : reports)
+            QTest::ignoreMessage(QtWarningMsg,
+                                 qPrintable(QStringLiteral("Cannot allocate resources for new "
+                                                           "Node! (group \"%1\", entry %2)")
+                                                .arg(group, report)));
+    }
     static QStringList names(const QList<Node *> &nodes)
     {
         QStringList result;
@@ -74,32 +85,42 @@ void TestDefinitions::domainProbing_data()
     QTest::addColumn<QVariantMap>("root");
     QTest::addColumn<QStringList>("domains");
     QTest::addColumn<QStringList>("nodes");
+    QTest::addColumn<QStringList>("reports"); // entries the console names, with the reason
 
     const QVariantMap three{{"DomainName", "D"}, {"Node0", node("a")}, {"Node1", node("b")},
                             {"Node2", node("c")}};
     QTest::newRow("name and three nodes") << QVariantMap{{"Domain0", three}} << QStringList{"D"}
-                                          << QStringList{"a", "b", "c"};
+                                          << QStringList{"a", "b", "c"} << QStringList{};
     QTest::newRow("Node1 only: only index 0 is probed")
         << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "D"}, {"Node1", node("b")}}}}
-        << QStringList{"D"} << QStringList{};
+        << QStringList{"D"} << QStringList{}
+        << QStringList{"Domain0/Node0: missing, a gap in the numbering",
+                       "Domain0/Node1: never read, only Node0 is read here"};
     QTest::newRow("Domain2 lies beyond the probed range")
         << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "A"}, {"Node0", node("a")}}},
                        {"Domain2", QVariantMap{{"DomainName", "C"}, {"Node0", node("c")}}}}
-        << QStringList{"A"} << QStringList{"a"};
+        << QStringList{"A"} << QStringList{"a"}
+        << QStringList{"Domain1: missing, a gap in the numbering",
+                       "Domain2: never read, only Domain0 to Domain1 are read here"};
     QTest::newRow("extra keys widen the probe")
         << QVariantMap{{"Comment", "x"},
                        {"Domain0", QVariantMap{{"DomainName", "A"}, {"Extra", 1}, {"Node0", node("a")},
                                                {"Node1", node("b")}}},
                        {"Domain1", QVariantMap{{"DomainName", "B"}, {"Node0", node("z")}}}}
-        << QStringList{"A", "B"} << QStringList{"a", "b", "z"};
+        << QStringList{"A", "B"} << QStringList{"a", "b", "z"} << QStringList{};
     QTest::newRow("file order, not key order")
         << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "First"}, {"Node0", node("1")}}},
                        {"Domain1", QVariantMap{{"DomainName", "Second"}, {"Node0", node("2")}}}}
-        << QStringList{"First", "Second"} << QStringList{"1", "2"};
+        << QStringList{"First", "Second"} << QStringList{"1", "2"} << QStringList{};
     QTest::newRow("a domain that is not a dictionary")
         << QVariantMap{{"Domain0", "oops"},
                        {"Domain1", QVariantMap{{"DomainName", "B"}, {"Node0", node("b")}}}}
-        << QStringList{"B"} << QStringList{"b"};
+        << QStringList{"B"} << QStringList{"b"} << QStringList{"Domain0: not a dictionary"};
+    QTest::newRow("a node numbered with a leading zero")
+        << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "D"}, {"Node0", node("a")},
+                                               {"Node01", node("b")}}}}
+        << QStringList{"D"} << QStringList{"a"}
+        << QStringList{"Domain0/Node01: never read, only Node0 to Node1 are read here"};
 }
 
 void TestDefinitions::domainProbing()
@@ -107,7 +128,9 @@ void TestDefinitions::domainProbing()
     QFETCH(QVariantMap, root);
     QFETCH(QStringList, domains);
     QFETCH(QStringList, nodes);
+    QFETCH(QStringList, reports);
     install(QStringLiteral("DataSun.plist"), root);
+    expectReports(QStringLiteral("Sun"), reports);
     DomainGroup group;
     QVERIFY(group.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
                                          _data));
@@ -125,20 +148,31 @@ void TestDefinitions::flatProbing_data()
 {
     QTest::addColumn<QVariantMap>("root");
     QTest::addColumn<QStringList>("nodes");
+    QTest::addColumn<QStringList>("reports");
     QTest::newRow("three") << QVariantMap{{"Node0", node("a")}, {"Node1", node("b")},
                                           {"Node2", node("c")}}
-                           << QStringList{"a", "b", "c"};
+                           << QStringList{"a", "b", "c"} << QStringList{};
     QTest::newRow("Node0 and Node2: index 2 not probed")
-        << QVariantMap{{"Node0", node("a")}, {"Node2", node("c")}} << QStringList{"a"};
-    QTest::newRow("a gap at the start") << QVariantMap{{"Node1", node("b")}} << QStringList{};
-    QTest::newRow("empty") << QVariantMap{} << QStringList{};
+        << QVariantMap{{"Node0", node("a")}, {"Node2", node("c")}} << QStringList{"a"}
+        << QStringList{"Node1: missing, a gap in the numbering",
+                       "Node2: never read, only Node0 to Node1 are read here"};
+    QTest::newRow("a gap at the start")
+        << QVariantMap{{"Node1", node("b")}} << QStringList{}
+        << QStringList{"Node0: missing, a gap in the numbering",
+                       "Node1: never read, only Node0 is read here"};
+    QTest::newRow("a node that is not a dictionary")
+        << QVariantMap{{"Node0", "oops"}, {"Node1", node("b")}} << QStringList{"b"}
+        << QStringList{"Node0: not a dictionary"};
+    QTest::newRow("empty") << QVariantMap{} << QStringList{} << QStringList{};
 }
 
 void TestDefinitions::flatProbing()
 {
     QFETCH(QVariantMap, root);
     QFETCH(QStringList, nodes);
+    QFETCH(QStringList, reports);
     install(QStringLiteral("DataAlerts.plist"), root);
+    expectReports(QStringLiteral("Alerts"), reports);
     FlatGroup group;
     QVERIFY(group.loadDictionaryData(QStringLiteral("DataAlerts.plist"), _data));
     QCOMPARE(names(group.nodes()), nodes);
@@ -163,28 +197,49 @@ void TestDefinitions::unreadableFiles_data()
 {
     QTest::addColumn<QByteArray>("contents");
     QTest::addColumn<bool>("present");
-    QTest::newRow("missing") << QByteArray() << false;
-    QTest::newRow("empty") << QByteArray() << true;
-    QTest::newRow("not a property list") << QByteArray("hello world") << true;
-    QTest::newRow("truncated XML") << QByteArray("<?xml version=\"1.0\"?><plist><dict><key>Domain0")
-                                   << true;
-    QTest::newRow("truncated binary") << QByteArray("bplist00\xd1\x01\x02", 11) << true;
+    QTest::addColumn<QString>("reason");
+    const QString damaged = QStringLiteral("it is not a property list, or a damaged one");
+    QTest::newRow("missing (a link to nothing)") << QByteArray() << false << "it is missing";
+    QTest::newRow("empty") << QByteArray() << true << "it is empty";
+    QTest::newRow("not a property list") << QByteArray("hello world") << true << damaged;
+    QTest::newRow("truncated XML")
+        << QByteArray("<?xml version=\"1.0\"?><plist><dict><key>Domain0") << true << damaged;
+    QTest::newRow("truncated binary") << QByteArray("bplist00\xd1\x01\x02", 11) << true << damaged;
     QTest::newRow("an array at the root")
-        << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>") << true;
+        << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>") << true
+        << "its root is not a dictionary";
 }
 
 void TestDefinitions::unreadableFiles()
 {
     QFETCH(QByteArray, contents);
     QFETCH(bool, present);
+    QFETCH(QString, reason);
     const QString folder = TestEnvironment::makeFolder(QStringLiteral("broken"));
-    ResourceLocator::setDefinitionsFolder(folder);
-    ResourceLocator::setResourceFolder(folder);
+    const QString path = QDir(folder).filePath(QStringLiteral("DataGraphs.plist"));
     if (present) {
-        QFile file(QDir(folder).filePath(QStringLiteral("DataGraphs.plist")));
+        QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(contents);
+    } else {
+        QVERIFY(QFile::link(QDir(folder).filePath(QStringLiteral("moved.plist")), path));
     }
+
+    // The user's own file: the bundled one stands in for it, and the log says why, once.
+    ResourceLocator::setDefinitionsFolder(folder);
+    RecordingLog log;
+    DomainGroup own;
+    own.setLog(&log);
+    QVERIFY(own.loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
+                                       QStringLiteral("DataGraphs.plist"), _data));
+    QVERIFY(!own.allNodes().isEmpty());
+    QCOMPARE(log.entries, QStringList{QStringLiteral("error: Cannot read the definition file "
+                                                     "\"%1\": %2. The bundled one is used instead.")
+                                          .arg(path, reason)});
+
+    // The bundled file: nothing stands in for it, and the console says so.
+    ResourceLocator::setDefinitionsFolder(QString());
+    ResourceLocator::setResourceFolder(folder);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     DomainGroup group;
     QVERIFY(!group.loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
@@ -195,7 +250,6 @@ void TestDefinitions::unreadableFiles()
     FlatGroup flat;
     QVERIFY(!flat.loadDictionaryData(QStringLiteral("DataGraphs.plist"), _data));
     QCOMPARE(flat.nodeCount(), 0);
-    ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
 }
 
 void TestDefinitions::badEntriesSkipped()
@@ -216,6 +270,9 @@ void TestDefinitions::badEntriesSkipped()
     QTest::ignoreMessage(QtWarningMsg,
                          QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
                                                            "Sun.*Domain0/Node2.*DestFileName")));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
+                                                           "Sun.*Domain0/Node3: not a dictionary")));
     DomainGroup group;
     QVERIFY(group.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
                                          _data));

@@ -1,6 +1,6 @@
 #include "TestEnvironment.h"
-#include "UrlCatcher.h"
 #include "TestHttpServer.h"
+#include "UrlCatcher.h"
 
 #include "app/Preferences.h"
 #include "app/ResourceLocator.h"
@@ -16,6 +16,7 @@
 #include "groups/ScaledImage.h"
 #include "nodes/Node.h"
 #include "support/ActivityLog.h"
+#include "support/FailureLine.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -23,6 +24,7 @@
 #include <QFileDialog>
 #include <QImage>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
@@ -60,6 +62,8 @@ private slots:
     void losingTheSelection();
     void descriptions();
     void nodeEventsRefresh();
+    void failedDownloadSaysWhy_data();
+    void failedDownloadSaysWhy();
     void doubleClick();
     void fileCommandsOnlyForImages();
     void saveCopy_data();
@@ -109,9 +113,10 @@ private:
     }
     QList<bool> buttons(GroupView *view) const
     {
-        return {view->cancelDownloadButton()->isEnabled(), view->refreshImageButton()->isEnabled(),
-                view->zoomImageButton()->isEnabled(),      view->revealImageButton()->isEnabled(),
-                view->scheduleNodeButton()->isEnabled(),   view->refreshDomainButton()->isEnabled()};
+        return {
+            view->cancelDownloadButton()->isEnabled(), view->refreshImageButton()->isEnabled(),
+            view->zoomImageButton()->isEnabled(),      view->revealImageButton()->isEnabled(),
+            view->scheduleNodeButton()->isEnabled(),   view->refreshDomainButton()->isEnabled()};
     }
 
     std::unique_ptr<TestHttpServer> _server;
@@ -128,8 +133,8 @@ void TestGroupView::init()
     _data = TestEnvironment::makeFolder(QStringLiteral("data"));
     const QString folder = TestEnvironment::makeFolder(QStringLiteral("definitions"));
     const auto nodeDict = [this](const QString &dest, const QVariantMap &extra = {}) {
-        QVariantMap dict = TestEnvironment::nodeDict(dest, dest, _server->baseUrl(),
-                                                     QStringLiteral("stall"));
+        QVariantMap dict =
+            TestEnvironment::nodeDict(dest, dest, _server->baseUrl(), QStringLiteral("stall"));
         dict.insert(QStringLiteral("DataSource"), QStringLiteral("https://example.org/") + dest);
         for (auto it = extra.cbegin(); it != extra.cend(); ++it)
             dict.insert(it.key(), it.value());
@@ -137,12 +142,14 @@ void TestGroupView::init()
     };
     QVERIFY(TestEnvironment::writePropertyList(
         folder + QStringLiteral("/DataSun.plist"),
-        {{"Domain0", QVariantMap{{"DomainName", "Never"},
-                                 {"Node0", nodeDict("a.png", {{"Description", "<p>About <b>a</b></p>"}})},
-                                 {"Node1", nodeDict("b.png", {{"Description", "x"}})}}},
-         {"Domain1", QVariantMap{{"DomainName", "Opened"},
-                                 {"Node0", nodeDict("c.txt", {{"FileType", 1}})}}},
-         {"Domain2", QVariantMap{{"DomainName", "Closed"}, {"Node0", nodeDict("d.png")}}}}));
+        {{"Domain0",
+          QVariantMap{{"DomainName", "Never"},
+                      {"Node0", nodeDict("a.png", {{"Description", "<p>About <b>a</b></p>"}})},
+                      {"Node1", nodeDict("b.png", {{"Description", "x"}})}}},
+         {"Domain1",
+          QVariantMap{{"DomainName", "Opened"}, {"Node0", nodeDict("c.txt", {{"FileType", 1}})}}},
+         {"Domain2", QVariantMap{{"DomainName", "Closed"},
+                                 {"Node0", nodeDict("d.png", {{"URL", "ftp://127.0.0.1/"}})}}}}));
     ResourceLocator::setDefinitionsFolder(folder);
     _group = std::make_unique<DomainGroup>();
 }
@@ -211,7 +218,8 @@ void TestGroupView::missingFileLeavesTheSplash()
 {
     ResourceLocator::setDefinitionsFolder(TestEnvironment::makeFolder(QStringLiteral("empty")));
     ResourceLocator::setResourceFolder(TestEnvironment::makeFolder(QStringLiteral("noresources")));
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     auto view = load();
     ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
     QCOMPARE(view->outlineModel()->rowCount(), 0);
@@ -268,7 +276,8 @@ void TestGroupView::nothingSelected()
 {
     auto view = load();
     QVERIFY(!view->hasSelectedNode());
-    QCOMPARE(view->nodeTitleField()->text(), QStringLiteral("Please select an item from the list."));
+    QCOMPARE(view->nodeTitleField()->text(),
+             QStringLiteral("Please select an item from the list."));
     QCOMPARE(view->dataSourceField()->text(), QString());
     QCOMPARE(view->lastUpdatedField()->text(), QString());
     QCOMPARE(buttons(view.get()), QList<bool>({false, false, false, false, false, false}));
@@ -284,7 +293,8 @@ void TestGroupView::domainSelected()
     QCOMPARE(view->selectedDomain(), _group->domains().at(1));
     QVERIFY(!view->hasSelectedNode());
     QCOMPARE(view->shownImage().cacheKey(), view->splashImage().cacheKey());
-    QCOMPARE(view->nodeTitleField()->text(), QStringLiteral("Please select an item from the list."));
+    QCOMPARE(view->nodeTitleField()->text(),
+             QStringLiteral("Please select an item from the list."));
     QVERIFY(view->descriptionView()->toPlainText().contains(QStringLiteral("default page")));
     QCOMPARE(buttons(view.get()), QList<bool>({false, false, false, false, false, true}));
     QCOMPARE(QSettings().value(QStringLiteral("Sun LastNodeViewed")).toString(), QString());
@@ -332,18 +342,20 @@ void TestGroupView::nodeControls()
 
 void TestGroupView::imageTable_data()
 {
-    QTest::addColumn<QString>("file");      // what the data file holds: "image", "junk" or ""
+    QTest::addColumn<QString>("file"); // what the data file holds: "image", "junk" or ""
     QTest::addColumn<bool>("queuedBefore");
     QTest::addColumn<bool>("online");
     QTest::addColumn<bool>("fetchMissing");
-    QTest::addColumn<QString>("shown");     // "image", "downloading" or "noData"
+    QTest::addColumn<QString>("shown"); // "image", "downloading" or "noData"
     QTest::addColumn<bool>("queuedAfter");
 
     QTest::newRow("data there") << "image" << false << true << true << "image" << false;
     QTest::newRow("data there while queued") << "image" << true << true << true << "image" << true;
     QTest::newRow("not an image") << "junk" << false << true << true << "noData" << false;
-    QTest::newRow("missing, already queued") << "" << true << false << false << "downloading" << true;
-    QTest::newRow("missing, online, fetching") << "" << false << true << true << "downloading" << true;
+    QTest::newRow("missing, already queued")
+        << "" << true << false << false << "downloading" << true;
+    QTest::newRow("missing, online, fetching")
+        << "" << false << true << true << "downloading" << true;
     QTest::newRow("missing, offline") << "" << false << false << true << "noData" << false;
     QTest::newRow("missing, preference off") << "" << false << true << false << "noData" << false;
 }
@@ -407,7 +419,8 @@ void TestGroupView::losingTheSelection()
     QVERIFY(!view->hasSelectedNode());
     QVERIFY(!view->selectedDomain());
     QCOMPARE(view->shownImage().cacheKey(), view->splashImage().cacheKey());
-    QCOMPARE(view->nodeTitleField()->text(), QStringLiteral("Please select an item from the list."));
+    QCOMPARE(view->nodeTitleField()->text(),
+             QStringLiteral("Please select an item from the list."));
 }
 
 void TestGroupView::descriptions()
@@ -436,6 +449,36 @@ void TestGroupView::nodeEventsRefresh()
     QVERIFY(!view->lastUpdatedField()->text().contains(QStringLiteral("Next Update")));
     b->setAutoUpdates(true);
     QVERIFY(view->lastUpdatedField()->text().contains(QStringLiteral(", Next Update: ")));
+}
+
+void TestGroupView::failedDownloadSaysWhy_data()
+{
+    QTest::addColumn<int>("domain"); // 0: the server fails it; 2: an ftp address fails at once
+    QTest::addColumn<bool>("hasData");
+    QTest::newRow("no data: the not-loaded picture") << 0 << false;
+    QTest::newRow("the last good picture stays") << 0 << true;
+    QTest::newRow("failed at once") << 2 << false;
+}
+
+void TestGroupView::failedDownloadSaysWhy()
+{
+    QFETCH(int, domain);
+    QFETCH(bool, hasData);
+    _server->setFailEvery(1);
+    if (hasData)
+        writeImage(QStringLiteral("a.png"), QSize(40, 30));
+    auto view = load();
+    QSignalSpy failed(_group.get(), &NodeGroup::nodeDownloadFailed);
+    click(view.get(), node(domain, 0)); // online: missing data is fetched at once
+    if (hasData)
+        view->refreshSelectedNodeData();
+    QTRY_COMPARE(failed.count(), 1);
+    // The words of the log, without its time stamp.
+    QCOMPARE(view->failureField()->text(), failed.first().at(1).toString());
+    QCOMPARE(view->shownImage().cacheKey() == view->noDataImage().cacheKey(), !hasData);
+    QCOMPARE(view->shownImage().deviceIndependentSize().toSize() == QSize(40, 30), hasData);
+    QTest::qWait(100); // showing the failure does not try again
+    QCOMPARE(failed.count(), 1);
 }
 
 void TestGroupView::doubleClick()
@@ -482,15 +525,23 @@ void TestGroupView::fileCommandsOnlyForImages()
 void TestGroupView::saveCopy_data()
 {
     QTest::addColumn<int>("result");
-    QTest::addColumn<bool>("copied");
-    QTest::newRow("OK") << int(QDialog::Accepted) << true;
-    QTest::newRow("Cancel") << int(QDialog::Rejected) << false;
+    QTest::addColumn<QString>("situation");
+    QTest::addColumn<bool>("copied"); // else the file at the chosen path is as it was
+    QTest::addColumn<bool>("alert");
+    const int ok = QDialog::Accepted;
+    QTest::newRow("OK replaces a file") << ok << "" << true << false;
+    QTest::newRow("Cancel") << int(QDialog::Rejected) << "" << false << false;
+    QTest::newRow("onto the data file itself") << ok << "self" << true << false;
+    QTest::newRow("failed copy keeps the old file") << ok << "unreadable" << false << true;
+    QTest::newRow("data gone meanwhile") << ok << "gone" << false << true;
 }
 
 void TestGroupView::saveCopy()
 {
     QFETCH(int, result);
+    QFETCH(QString, situation);
     QFETCH(bool, copied);
+    QFETCH(bool, alert);
     writeImage(QStringLiteral("a.png"), QSize(20, 20));
     auto view = load();
     click(view.get(), node(0, 0));
@@ -503,12 +554,24 @@ void TestGroupView::saveCopy()
     QCOMPARE(QDir(panel->directory()).absolutePath(), QDir::home().absolutePath());
     panel->reject();
 
-    const QString target = TestEnvironment::home() + QStringLiteral("/copy-of-a.png");
-    QFile::remove(target);
+    const QString data = node(0, 0)->filePath();
+    QString target = data;
+    if (situation != QLatin1String("self")) {
+        target = TestEnvironment::makeFolder(QStringLiteral("copies")) + QStringLiteral("/a.png");
+        QFile old(target);
+        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
+    }
+    if (situation == QLatin1String("unreadable") || situation == QLatin1String("gone"))
+        QFile::remove(data);
+    if (situation == QLatin1String("unreadable"))
+        QVERIFY(QDir().mkdir(data)); // there, but no file to read
     view->savePanelDidEnd(result, target);
-    QCOMPARE(QFileInfo::exists(target), copied);
-    if (copied)
-        QCOMPARE(QImage(target).size(), QSize(20, 20));
+    // The copy runs in the background: a failure shows when it has ended.
+    QTRY_COMPARE(view->findChild<QMessageBox *>() != nullptr, alert);
+    QTRY_COMPARE(QImage(target).size() == QSize(20, 20), copied);
+    QFile kept(target);
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll() != "old", copied);
 }
 
 void TestGroupView::revealFallsBackToTheFolder()
@@ -629,6 +692,12 @@ void TestGroupView::hiddenWindowRefreshedStaysHidden()
     QVERIFY(!c->window()->isVisible());
     QVERIFY(c->imageView()->pixmap().cacheKey() != before);
     QCOMPARE(c->imageView()->pixmap().deviceIndependentSize().toSize(), QSize(200, 100));
+    // A window follows its node's data when another node is selected, too.
+    Preferences::shared().setOnline(false);
+    click(view.get(), node(0, 1));
+    writeImage(QStringLiteral("a.png"), QSize(100, 80));
+    emit _group->nodeDataLoaded(a);
+    QCOMPARE(c->imageView()->pixmap().deviceIndependentSize().toSize(), QSize(100, 80));
 }
 
 void TestGroupView::unreadableImageGivesNoWindow()

@@ -225,7 +225,7 @@ void TestPropertyList::fuzzerReproducers()
 
     const QString folder = TestEnvironment::makeFolder(QStringLiteral("reproducer"));
     QVERIFY(QFile::copy(path, QDir(folder).filePath(QStringLiteral("DataSun.plist"))));
-    ResourceLocator::setDefinitionsFolder(folder);
+    ResourceLocator::setResourceFolder(folder); // as the bundled file, which nothing replaces
     if (!dictionary)
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     DomainGroup sun;

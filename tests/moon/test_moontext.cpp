@@ -112,6 +112,13 @@ void TestMoonText::workedDateLines()
     const QStringList german = MoonText::lines(calc, QLocale(QLocale::German, QLocale::Germany));
     QCOMPARE(german.at(3), QString("Distance: 402.126,49 km"));
     QCOMPARE(german.at(1), lines.at(1));
+
+    // A waning Moon has the same name seen from the south; only its picture is mirrored.
+    const QStringList names = MoonPhaseNames::loadFromResources().value_or(QStringList());
+    QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
+    calc.setDisplayForSouthernHemisphere(true);
+    QCOMPARE(calc.moonPhaseAsInteger(), 2);
+    QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
 }
 
 void TestMoonText::percentagesAlwaysHaveTwoDecimals()

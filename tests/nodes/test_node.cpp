@@ -1,6 +1,7 @@
 #include "RecordingDelegate.h"
 #include "TestEnvironment.h"
 
+#include "nodes/ContentCheck.h"
 #include "nodes/Node.h"
 
 #include <QDir>
@@ -20,6 +21,8 @@ private slots:
     void fileType();
     void definitionProblems_data();
     void definitionProblems();
+    void contentCheck_data();
+    void contentCheck();
     void initialStatusWithoutCallback_data();
     void initialStatusWithoutCallback();
     void statusPairAndCallbacks();
@@ -95,9 +98,48 @@ void TestNode::fileType()
     QFETCH(QVariant, value);
     QFETCH(int, expected);
     QVariantMap dict = TestEnvironment::nodeDict(QStringLiteral("t.txt"));
+    dict.remove(QStringLiteral("FileType"));
     if (value.isValid())
         dict.insert(QStringLiteral("FileType"), value);
     QCOMPARE(make(dict)->fileType(), expected);
+}
+
+void TestNode::contentCheck_data()
+{
+    QTest::addColumn<int>("fileType");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<bool>("accepted");
+    const QByteArray portal("\xEF\xBB\xBF \r\n<!-- portal -->\n<!doctype HTML>\n<html><head>");
+    QTest::newRow("JPEG") << 0 << QByteArray("\xFF\xD8\xFF\xE0\0\x10JFIF", 10) << true;
+    QTest::newRow("PNG") << 0 << QByteArray("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16) << true;
+    QTest::newRow("GIF") << 0 << QByteArray("GIF89a\x01\0") << true;
+    QTest::newRow("WebP") << 0 << QByteArray("RIFF\x24\0\0\0WEBPVP8 ", 16) << true;
+    QTest::newRow("TIFF") << 0 << QByteArray("II*\0\x08\0\0\0", 8) << true;
+    QTest::newRow("SVG after a declaration, a comment and a doctype")
+        << 0
+        << QByteArray(
+               "<?xml version=\"1.0\"?>\n<!-- drawn by hand -->\n<!DOCTYPE svg PUBLIC "
+               "\"-//W3C//DTD SVG 1.1//EN\" \"x.dtd\" [<!ENTITY a \">\">]>\n<svg xmlns=\"\">")
+        << true;
+    QTest::newRow("a portal's page for a picture") << 0 << portal << false;
+    QTest::newRow("an error page for a picture")
+        << 0 << QByteArray("<HTML><HEAD><TITLE>404 Not Found</TITLE></HEAD>") << false;
+    QTest::newRow("JSON for a picture") << 0 << QByteArray("{\"error\": \"no image\"}") << false;
+    QTest::newRow("a portal's page for a report") << 1 << portal << false;
+    QTest::newRow("a bulletin") << 1 << QByteArray(":Product: Weekly Highlights\n<html> is quoted")
+                                << true;
+    QTest::newRow("a report that starts with a tag of its own")
+        << 1 << QByteArray("<htmlish>\n# data") << true;
+}
+
+// A body that is not what the item expects never replaces good data (the transfer test shows the
+// failure itself); these are the bodies each kind of item takes and refuses.
+void TestNode::contentCheck()
+{
+    QFETCH(int, fileType);
+    QFETCH(QByteArray, body);
+    QFETCH(bool, accepted);
+    QCOMPARE(ContentCheck::isExpected(fileType, body), accepted);
 }
 
 void TestNode::definitionProblems_data()

@@ -26,7 +26,8 @@ private slots:
     void activeTransferIsNotCutOff();
     void onlyHttpAndHttps_data();
     void onlyHttpAndHttps();
-    void unwritableDataFolder();
+    void dataFolderGone_data();
+    void dataFolderGone();
     void cancelRunningTransfer();
     void cancelIdleNode();
     void secondStartDoesNothing();
@@ -129,6 +130,12 @@ void TestTransfer::failuresKeepTheOldFile_data()
     s.chunks = {TestHttpServer::bytes(400)};
     s.pauseMs = 1; // then the server closes the connection in the ordinary way
     QTest::newRow("closed early") << s << QString() << false;
+
+    s = {};
+    s.chunks = {"\xEF\xBB\xBF\r\n<!DOC", "TYPE html>\n<html><body>Sign in to the network"};
+    s.pauseMs = 20; // the page's start arrives in two pieces
+    QTest::newRow("a captive portal's page")
+        << s << prefix + "the server sent something other than the expected file" << true;
 
     s = {};
     s.status = 404;
@@ -261,31 +268,41 @@ void TestTransfer::onlyHttpAndHttps()
     auto node = Node::create(TestEnvironment::nodeDict(QStringLiteral("x.bin"), QStringLiteral("Probe"),
                                                        url, QStringLiteral("passwd")),
                              &delegate, _folder, false);
-    const QDateTime before = node->lastUpdateDate();
     TestEnvironment::advance(60);
     node->beginDownloadingData();
-    // It fails at once, before the start returns, without touching the last update.
+    // It fails at once, before the start returns, and the attempt counts as the last update.
     QCOMPARE(delegate.failures.size(), 1);
     QVERIFY(delegate.failures.first().contains(QStringLiteral("is not an http or https address")));
     QCOMPARE(delegate.events.first(), QStringLiteral("failed downloading=0"));
     QCOMPARE(node->itemStatus(), QStringLiteral("Err"));
-    QCOMPARE(node->lastUpdateDate(), before);
+    QCOMPARE(node->lastUpdateDate(), QDateTime(QDate(2026, 1, 1), QTime(1, 1)));
     QVERIFY(!node->isDownloading());
 }
 
-void TestTransfer::unwritableDataFolder()
+void TestTransfer::dataFolderGone_data()
 {
-    // A data folder whose path runs through a plain file cannot hold any file.
-    QFile blocker(QDir(_folder).filePath(QStringLiteral("blocker")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    QTest::addColumn<bool>("blocked");
+    QTest::newRow("deleted while running: made again") << false;
+    QTest::newRow("a plain file in its way") << true;
+}
+
+void TestTransfer::dataFolderGone()
+{
+    QFETCH(bool, blocked);
     _server->serve("/ok", "fine data");
     RecordingDelegate delegate;
-    QVariantMap dict = TestEnvironment::nodeDict(QStringLiteral("data.bin"), QStringLiteral("Probe"),
-                                                 _server->baseUrl(), QStringLiteral("ok"));
-    auto node = Node::create(dict, &delegate, blocker.fileName(), false);
+    auto node = make("ok", &delegate);
+    QVERIFY(QDir(_folder).removeRecursively());
+    if (blocked) {
+        // A data folder whose path runs through a plain file cannot hold any file.
+        QFile blocker(_folder);
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+    }
     QVERIFY(runToEnd(node.get()));
-    QCOMPARE(delegate.failures, QStringList{"Download of \"Probe\" Failed: unable to write file"});
+    QCOMPARE(delegate.failures,
+             blocked ? QStringList{"Download of \"Probe\" Failed: unable to write file"}
+                     : QStringList{});
+    QCOMPARE(fileContents(), blocked ? QByteArray("<missing>") : QByteArray("fine data"));
 }
 
 void TestTransfer::cancelRunningTransfer()

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -86,7 +87,6 @@ void TestEnvironment::setUpApplication()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Vantorel"));
     QCoreApplication::setApplicationName(QStringLiteral("Vantorel"));
-    ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
     resetState();
 }
 
@@ -115,6 +115,7 @@ void TestEnvironment::resetState()
     settings.clear();
     settings.sync();
     Preferences::shared().reset();
+    ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
     ResourceLocator::setDefinitionsFolder(QString());
     useSystemClock();
 }
@@ -156,11 +157,16 @@ bool TestEnvironment::writePropertyList(const QString &path, const QVariantMap &
 QVariantMap TestEnvironment::nodeDict(const QString &dest, const QString &name, const QString &url,
                                       const QString &source)
 {
-    return {{QStringLiteral("URL"), url},
-            {QStringLiteral("SourceFileName"), source},
-            {QStringLiteral("DestFileName"), dest},
-            {QStringLiteral("NodeName"), name.isEmpty() ? dest : name},
-            {QStringLiteral("NodeTitle"), (name.isEmpty() ? dest : name) + QStringLiteral(" title")}};
+    // As in the shipped files: pictures are file type 0, everything else a text report.
+    static const QRegularExpression picture(QStringLiteral("\\.(png|jpe?g|gif|webp|tiff?|svg)$"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    return {
+        {QStringLiteral("URL"), url},
+        {QStringLiteral("SourceFileName"), source},
+        {QStringLiteral("DestFileName"), dest},
+        {QStringLiteral("NodeName"), name.isEmpty() ? dest : name},
+        {QStringLiteral("NodeTitle"), (name.isEmpty() ? dest : name) + QStringLiteral(" title")},
+        {QStringLiteral("FileType"), picture.match(dest).hasMatch() ? 0 : 1}};
 }
 
 QProcessEnvironment TestEnvironment::headlessEnvironment()

@@ -21,7 +21,8 @@ public:
     static QString home();
     // A new empty folder inside the temporary home.
     static QString makeFolder(const QString &name);
-    // Forgets every stored setting and resets the preferences and the clock.
+    // Forgets every stored setting and resets the preferences, the clock and the folders where
+    // files are looked up (the bundled resources of the build tree, no definitions folder).
     static void resetState();
 
     // Fixes "now" for everything that asks the core's clock; advance() moves it on.
@@ -35,7 +36,8 @@ public:
 
     // Writes a property list (XML unless binary) with these contents.
     static bool writePropertyList(const QString &path, const QVariantMap &root, bool binary = false);
-    // A node definition with the keys every node needs.
+    // A node definition with the keys every node needs, and the file type that its file name
+    // suggests: 0 (a picture) for a picture's extension, otherwise 1 (a text report).
     static QVariantMap nodeDict(const QString &dest, const QString &name = {},
                                 const QString &url = QStringLiteral("http://127.0.0.1/"),
                                 const QString &source = QStringLiteral("file.bin"));

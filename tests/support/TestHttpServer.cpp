@@ -3,6 +3,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <algorithm>
+
 TestHttpServer::TestHttpServer(QObject *parent) : QObject(parent)
 {
     connect(&_server, &QTcpServer::newConnection, this, &TestHttpServer::accept);
@@ -29,6 +31,12 @@ QByteArray TestHttpServer::bytes(int size, char seed)
     for (int i = 0; i < size; ++i)
         data[i] = char(seed + i % 23);
     return data;
+}
+
+QByteArray TestHttpServer::picture(int size)
+{
+    const QByteArray signature("\x89PNG\r\n\x1A\n", 8);
+    return signature + bytes(std::max(0, size - int(signature.size())));
 }
 
 void TestHttpServer::route(const QByteArray &path, const Script &script)

@@ -61,6 +61,8 @@ public:
     int totalRequests() const { return _total; }
 
     static QByteArray bytes(int size, char seed = 'a');
+    // A body of that size that passes for a picture (a PNG signature, then bytes()).
+    static QByteArray picture(int size);
 
 private:
     struct Connection {

@@ -3,12 +3,12 @@
 
 #include "HarnessApp.h"
 
-#include "app/AppController.h"
-#include "groups/DomainGroup.h"
-#include "groups/GroupOutlineModel.h"
-#include "groups/GroupView.h"
-#include "groups/ImagePane.h"
-#include "nodes/Node.h"
+#include "ui/shell/AppController.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/GroupOutlineModel.h"
+#include "ui/sources/GroupView.h"
+#include "ui/sources/ImagePane.h"
+#include "core/sources/Node.h"
 
 #include <QCoreApplication>
 #include <QEvent>

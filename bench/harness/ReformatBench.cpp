@@ -4,8 +4,8 @@
 
 #include "HarnessApp.h"
 
-#include "alerts/BulletinFile.h"
-#include "alerts/ReportFormatter.h"
+#include "core/bulletins/BulletinFile.h"
+#include "core/bulletins/ReportFormatter.h"
 
 #include <QDir>
 #include <QFile>

@@ -6,13 +6,13 @@
 
 #include "HarnessApp.h"
 
-#include "app/AppController.h"
-#include "app/AppCore.h"
-#include "groups/DomainGroup.h"
-#include "groups/FlatGroup.h"
-#include "groups/GroupOutlineModel.h"
-#include "groups/GroupView.h"
-#include "nodes/Node.h"
+#include "ui/shell/AppController.h"
+#include "core/shell/AppCore.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/FlatGroup.h"
+#include "core/sources/GroupOutlineModel.h"
+#include "ui/sources/GroupView.h"
+#include "core/sources/Node.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

@@ -5,9 +5,9 @@
 
 #include "HarnessApp.h"
 
-#include "app/AppController.h"
-#include "app/MainWindow.h"
-#include "app/ResourceLocator.h"
+#include "ui/shell/AppController.h"
+#include "ui/shell/MainWindow.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>

@@ -1,9 +1,9 @@
 #include "SampleData.h"
 
-#include "app/AppCore.h"
-#include "groups/DomainGroup.h"
-#include "groups/FlatGroup.h"
-#include "nodes/Node.h"
+#include "core/shell/AppCore.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/FlatGroup.h"
+#include "core/sources/Node.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 #include "SampleData.h"
 #include "ScreenshotTour.h"
 
-#include "app/AppController.h"
-#include "app/AppCore.h"
+#include "ui/shell/AppController.h"
+#include "core/shell/AppCore.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
-#include "AppController.h"
+#include "ui/shell/AppController.h"
 #include "BuildInfo.h"
-#include "CommandLine.h"
-#include "Preferences.h"
-#include "support/SignalQuitter.h"
+#include "cli/CommandLine.h"
+#include "core/settings/Preferences.h"
+#include "core/util/SignalQuitter.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -7,8 +7,8 @@
 // the highlights keep no tab or carriage return, and the normalised text no carriage return.
 #include "FuzzEnvironment.h"
 
-#include "alerts/BulletinFile.h"
-#include "alerts/ReportFormatter.h"
+#include "core/bulletins/BulletinFile.h"
+#include "core/bulletins/ReportFormatter.h"
 
 #include <cstdint>
 #include <cstdlib>

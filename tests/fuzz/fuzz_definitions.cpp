@@ -5,12 +5,12 @@
 // its data file directly inside the data folder, whatever its entry says.
 #include "FuzzEnvironment.h"
 
-#include "app/ResourceLocator.h"
-#include "groups/Domain.h"
-#include "groups/DomainGroup.h"
-#include "groups/FlatGroup.h"
-#include "groups/PropertyList.h"
-#include "nodes/Node.h"
+#include "core/util/ResourceLocator.h"
+#include "core/sources/Domain.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/FlatGroup.h"
+#include "core/sources/PropertyList.h"
+#include "core/sources/Node.h"
 
 #include <QDir>
 #include <QFile>

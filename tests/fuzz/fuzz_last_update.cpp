@@ -6,7 +6,7 @@
 // the end of summer time, since the text carries no offset).
 #include "FuzzEnvironment.h"
 
-#include "nodes/UpdateTimeText.h"
+#include "core/sources/UpdateTimeText.h"
 
 #include <QDateTime>
 

@@ -5,9 +5,9 @@
 // behaviour, such as a float that overflows the integer it is converted to.
 #include "FuzzEnvironment.h"
 
-#include "moon/MoonCalc.h"
-#include "moon/MoonCommand.h"
-#include "moon/MoonText.h"
+#include "core/moon/MoonCalc.h"
+#include "cli/MoonCommand.h"
+#include "core/moon/MoonText.h"
 
 #include <QJsonDocument>
 

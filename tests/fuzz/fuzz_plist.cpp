@@ -3,7 +3,7 @@
 // consumer of the tree.
 #include "FuzzEnvironment.h"
 
-#include "groups/PropertyList.h"
+#include "core/sources/PropertyList.h"
 
 #include <QVariant>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "nodes/Node.h"
-#include "nodes/NodeDelegate.h"
+#include "core/sources/Node.h"
+#include "core/sources/NodeDelegate.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/LogSink.h"
+#include "core/log/LogSink.h"
 
 #include <QStringList>
 

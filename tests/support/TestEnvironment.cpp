@@ -1,11 +1,11 @@
 #include "TestEnvironment.h"
 
 #include "HomeEnvironment.h"
-#include "app/Preferences.h"
-#include "app/ResourceLocator.h"
-#include "nodes/NetworkAccess.h"
-#include "support/Clock.h"
-#include "support/Settings.h"
+#include "core/settings/Preferences.h"
+#include "core/util/ResourceLocator.h"
+#include "core/net/NetworkAccess.h"
+#include "core/util/Clock.h"
+#include "core/settings/Settings.h"
 
 #include <QCoreApplication>
 #include <QDir>

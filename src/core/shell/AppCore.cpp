@@ -1,0 +1,230 @@
+#include "core/shell/AppCore.h"
+
+#include "core/settings/Preferences.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/FlatGroup.h"
+#include "core/sources/Node.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTimer>
+
+AppCore::AppCore(QObject *parent)
+    : QObject(parent), _sun(new DomainGroup(this)), _graphs(new DomainGroup(this)),
+      _aurora(new DomainGroup(this)), _earth(new DomainGroup(this)), _alerts(new FlatGroup(this))
+{
+}
+
+AppCore::~AppCore()
+{
+    stopScheduler();
+}
+
+QString AppCore::pathFromApplicationSupportFolder(const QString &folderName)
+{
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return QDir(base).filePath(folderName);
+}
+
+bool AppCore::folderExists(const QString &path)
+{
+    return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+}
+
+bool AppCore::checkCreateFolder(const QString &folderName)
+{
+    const QString path = pathFromApplicationSupportFolder(folderName);
+    if (folderExists(path))
+        return true;
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    if (!QDir().mkpath(base))
+        return false;
+    return QDir(base).mkdir(folderName);
+}
+
+QString AppCore::prepareDataFolder()
+{
+    if (!_dataFolderOverride.isEmpty()) {
+        _dataFolderPath = QDir(_dataFolderOverride).absolutePath();
+        if (!folderExists(_dataFolderPath) && !QDir().mkpath(_dataFolderPath))
+            qWarning("Can't create Data Folder!");
+        return _dataFolderPath;
+    }
+    const QString name = QLatin1String(kDataFolderName);
+    _dataFolderPath = pathFromApplicationSupportFolder(name);
+    if (!checkCreateFolder(name))
+        qWarning("Can't create Data Folder!");
+    return _dataFolderPath;
+}
+
+QList<NodeGroup *> AppCore::groupsInViewOrder() const
+{
+    return {_sun, _graphs, _aurora, _earth, _alerts};
+}
+
+QList<NodeGroup *> AppCore::groupsInCommandOrder() const
+{
+    return {_sun, _aurora, _graphs, _earth, _alerts};
+}
+
+NodeGroup *AppCore::groupNamed(const QString &name) const
+{
+    for (NodeGroup *group : groupsInViewOrder()) {
+        if (group->groupName().compare(name, Qt::CaseInsensitive) == 0)
+            return group;
+    }
+    return nullptr;
+}
+
+void AppCore::loadAllGroups()
+{
+    _sun->loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
+                                 _dataFolderPath);
+    _graphs->loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
+                                    QStringLiteral("DataGraphs.plist"), _dataFolderPath);
+    _aurora->loadDomainDataForGroup(QStringLiteral("Aurora"), 2,
+                                    QStringLiteral("DataAurora.plist"), _dataFolderPath);
+    _earth->loadDomainDataForGroup(QStringLiteral("Earth"), 3, QStringLiteral("DataEarth.plist"),
+                                   _dataFolderPath);
+    _alerts->loadDictionaryData(QStringLiteral("DataAlerts.plist"), _dataFolderPath);
+}
+
+int AppCore::removeStaleTemporaryFiles(int minimumAgeSeconds)
+{
+    QSet<QString> names;
+    for (NodeGroup *group : groupsInViewOrder()) {
+        for (const Node *node : group->allNodes())
+            names.insert(node->fileName());
+    }
+    if (names.isEmpty() || _dataFolderPath.isEmpty())
+        return 0;
+
+    // An atomic write goes through a temporary file named after its target with a dot and six
+    // letters or digits; only such names, for our own nodes, are ever touched.
+    static const QRegularExpression temporary(QStringLiteral("^(.+)\\.[A-Za-z0-9]{6}$"));
+    const QDateTime cutoff = QDateTime::currentDateTime().addSecs(-minimumAgeSeconds);
+    int removed = 0;
+    const QFileInfoList entries =
+        QDir(_dataFolderPath).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const QRegularExpressionMatch match = temporary.match(entry.fileName());
+        if (!match.hasMatch() || !names.contains(match.captured(1)))
+            continue;
+        if (entry.lastModified() > cutoff)
+            continue;
+        if (QFile::remove(entry.absoluteFilePath()))
+            ++removed;
+    }
+    return removed;
+}
+
+void AppCore::setLog(LogSink *log)
+{
+    for (NodeGroup *group : groupsInViewOrder())
+        group->setLog(log);
+}
+
+void AppCore::runStartupDownloads()
+{
+    if (!isOnline())
+        return;
+    for (NodeGroup *group : groupsInCommandOrder())
+        group->runStartupDownloads();
+}
+
+void AppCore::runAllScheduledUpdates()
+{
+    if (!isOnline())
+        return;
+    for (NodeGroup *group : groupsInCommandOrder())
+        group->runScheduledUpdates();
+}
+
+void AppCore::updateAllNodes()
+{
+    for (NodeGroup *group : groupsInViewOrder())
+        group->refreshAllNodeData();
+}
+
+void AppCore::cancelAllDownloads()
+{
+    for (NodeGroup *group : groupsInCommandOrder())
+        group->cancelAllDownloads();
+}
+
+void AppCore::emptyGroupCaches()
+{
+    for (NodeGroup *group : groupsInCommandOrder())
+        group->emptyGroupCache();
+}
+
+void AppCore::startScheduler()
+{
+    stopScheduler();
+    _scheduler = new QTimer(this);
+    _scheduler->setInterval(kSchedulerIntervalMs);
+    connect(_scheduler, &QTimer::timeout, this, &AppCore::schedulerFired);
+    _scheduler->start();
+}
+
+void AppCore::stopScheduler()
+{
+    if (!_scheduler)
+        return;
+    // The timer may be the one whose tick led here; let it finish before it goes.
+    _scheduler->stop();
+    _scheduler->disconnect(this);
+    _scheduler->deleteLater();
+    _scheduler = nullptr;
+}
+
+void AppCore::schedulerFired()
+{
+    runAllScheduledUpdates();
+}
+
+bool AppCore::isOnline() const
+{
+    return Preferences::shared().isOnline();
+}
+
+void AppCore::setOnline(bool online)
+{
+    const bool changed = online != isOnline();
+    Preferences::shared().setOnline(online);
+    if (changed)
+        emit onlineStateChanged(online);
+}
+
+void AppCore::goOnline()
+{
+    setOnline(true);
+    startScheduler();
+}
+
+void AppCore::goOffline()
+{
+    setOnline(false);
+    cancelAllDownloads();
+    stopScheduler();
+}
+
+void AppCore::toggleOnlineStatus()
+{
+    if (isOnline())
+        goOffline();
+    else
+        goOnline();
+}
+
+void AppCore::cleanupGroups()
+{
+    for (DomainGroup *group : {_sun, _graphs, _aurora, _earth})
+        group->destroyAllNodes();
+    _alerts->destroyAllNodes();
+}

@@ -1,6 +1,0 @@
-#include "ClickableTextBlue.h"
-
-ClickableTextBlue::ClickableTextBlue(QWidget *parent)
-    : ClickableText(QColor::fromRgbF(0.0f, 0.0f, 0.75f), true, parent)
-{
-}

@@ -1,0 +1,171 @@
+#pragma once
+
+#include "core/sources/DomainGroup.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class ActivityLog;
+class Domain;
+class FailureLine;
+class GroupOutlineModel;
+class ImageController;
+class ImagePane;
+class Node;
+class NodeScheduler;
+class OutlineItem;
+class QLabel;
+class QModelIndex;
+class QPushButton;
+class QSplitter;
+class QTextBrowser;
+class QTreeView;
+
+// One image group on screen (Sun, Graphs, Aurora or Earth): the outline of its domains and nodes
+// beside the selected node's picture, title, source, update times and description, with the
+// buttons that act on the selection and the node's floating image windows.
+class GroupView : public QWidget {
+    Q_OBJECT
+
+public:
+    GroupView(DomainGroup *group, ActivityLog *log, QWidget *parent = nullptr);
+    ~GroupView() override;
+
+    // Called once the widgets exist: outline indentation and the double-click action.
+    void awakeFromNib();
+    void loadDomainDataForGroup(const QString &groupName, int groupNumber,
+                                const QString &dictionaryFileName, const QString &dataFolderPath);
+    void applicationDidFinishLaunching();
+    void loadFrameSize();
+    void saveFrameSize();
+    void destroyAllNodes();
+    void cleanup();
+    void setNodeSchedulerWindow(NodeScheduler *sheet) { _nodeSchedulerWindow = sheet; }
+    // The page shown while no node is selected (HTML).
+    void setDefaultDescription(const QString &html) { _defaultDescription = html; }
+
+    // Selection, as the outline reports it.
+    bool outlineShouldSelectItem(OutlineItem *item);
+    void outlineSelectionDidChange();
+    void domainListDoubleClicked();
+    bool hasSelectedNode() const;
+    Node *selectedNode() const;
+    Domain *selectedDomain() const;
+
+    // Display.
+    void updateInterfaceForSelection();
+    void displayImageForNode(Node *node);
+    void displayDescriptionForNode(Node *node);
+    void clearDescriptionField();
+    QPixmap getScaledImageFromFileAtPath(const QString &path) const;
+    void setLastNodeViewed(const QString &name);
+
+    // Commands of the buttons.
+    void refreshSelectedNodeData();
+    void refreshSelectedDomainNodes();
+    void cancelSelectedNodeDownload();
+    void openScheduleWindowForNode();
+    void schedulerDidEnd(int returnCode);
+    void zoomSelectedNodeData();
+    void revealSelectedNodeData();
+    void saveNodeImage();
+    void savePanelDidEnd(int returnCode, const QString &chosenPath);
+
+    // Image windows.
+    void openImageWindowForNode(Node *node);
+    ImageController *imageWindowForNode(const Node *node) const;
+    void updateImageWindowForNode(Node *node);
+    void destroyAllImageWindows();
+    void imageWindowDidExit(ImageController *controller);
+
+    DomainGroup *group() const { return _group; }
+    GroupOutlineModel *outlineModel() const { return _model; }
+    QTreeView *domainsList() const { return _domainsList; }
+    QSplitter *splitView() const { return _splitView; }
+    ImagePane *imageView() const { return _imageView; }
+    QTextBrowser *descriptionView() const { return _nodeDescriptionTextField; }
+    QLabel *nodeTitleField() const { return _nodeTitleField; }
+    QLabel *dataSourceField() const { return _dataSourceField; }
+    QLabel *lastUpdatedField() const { return _lastUpdatedField; }
+    // Why the selected node's last download failed, beside the last-update line.
+    FailureLine *failureField() const { return _failureField; }
+    QPushButton *cancelDownloadButton() const { return _cancelDownloadButton; }
+    QPushButton *refreshImageButton() const { return _refreshImageButton; }
+    QPushButton *zoomImageButton() const { return _zoomImageButton; }
+    QPushButton *revealImageButton() const { return _revealImageButton; }
+    QPushButton *scheduleNodeButton() const { return _scheduleNodeButton; }
+    QPushButton *refreshDomainButton() const { return _refreshDomainButton; }
+
+    QString groupName() const;
+    int groupNumber() const;
+    // The size and split-view keys of this group.
+    QString viewSizeKey() const;
+    QString splitViewRectsKey() const;
+    QString lastNodeViewedKey() const;
+
+    // The group's three placeholder pictures, rendered on first use.
+    QPixmap splashImage() const;
+    QPixmap noDataImage() const;
+    QPixmap downloadingImage() const;
+    QPixmap shownImage() const;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+signals:
+    // The data-source line was clicked; the address is its text.
+    void dataSourceLinkClicked(const QString &address);
+    // The selection or the selected node's state changed.
+    void selectionChanged();
+
+private:
+    void buildInterface();
+    void connectGroup();
+    void showImage(const QPixmap &image);
+    void showPlaceholder(const QString &name);
+    void showSplash();
+    void restoreExpansion();
+    void userExpanded(const QModelIndex &index);
+    void userCollapsed(const QModelIndex &index);
+    bool showHtml(const QString &html);
+    void nodeStatusChanged(Node *node);
+    void nodeSettingsChanged(Node *node);
+    void nodeDataLoaded(Node *node);
+    void nodeDownloadFailed(Node *node);
+    void showSaveError(const QString &reason);
+
+    DomainGroup *_group;
+    GroupOutlineModel *_model;
+    ActivityLog *_log;
+    std::vector<std::unique_ptr<ImageController>> _imageWindows;
+    QString _defaultDescription;
+    QString _descriptionHtml;
+    bool _descriptionPending = false;
+
+    DomainGroup::Placeholders _placeholders;
+
+    QTreeView *_domainsList = nullptr;
+    QSplitter *_splitView = nullptr;
+    QTextBrowser *_nodeDescriptionTextField = nullptr;
+    ImagePane *_imageView = nullptr;
+    QLabel *_nodeTitleField = nullptr;
+    QLabel *_dataSourceField = nullptr;
+    QLabel *_lastUpdatedField = nullptr;
+    FailureLine *_failureField = nullptr;
+    QPushButton *_cancelDownloadButton = nullptr;
+    QPushButton *_refreshImageButton = nullptr;
+    QPushButton *_zoomImageButton = nullptr;
+    QPushButton *_revealImageButton = nullptr;
+    QPushButton *_scheduleNodeButton = nullptr;
+    QPushButton *_refreshDomainButton = nullptr;
+    NodeScheduler *_nodeSchedulerWindow = nullptr;
+    // Restoring the expansion at start-up is not the user's choice and must not be remembered
+    // as one; a double click that toggles a domain is, and is remembered.
+    bool _restoringExpansion = false;
+    // Whether the view has been on screen, and so laid out, in this session. A view that never
+    // was has nothing of its own to store: the frames of its panes are not the user's.
+    bool _laidOut = false;
+};

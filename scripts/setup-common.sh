@@ -16,6 +16,9 @@ VANTOREL_PACKAGES=(
     dpkg-dev  # dpkg-shlibdeps: the Debian package's library dependencies
 )
 
+# What the test script needs besides: the formatting check and the layer check.
+VANTOREL_TEST_PACKAGES=(clang-format python3)
+
 vantorel_missing_packages() {
     local missing=()
     for pkg in "$@"; do
@@ -41,10 +44,22 @@ vantorel_install_packages() {
     $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
 }
 
+# vantorel_build [-DOPTION=VALUE ...]: configures on the first run, and again whenever an option
+# given here is not yet the build's own, then builds what changed.
 vantorel_build() {
     vantorel_install_packages "${VANTOREL_PACKAGES[@]}"
+    local configure=0
     if [ ! -f "$VANTOREL_BUILD/build.ninja" ]; then
-        cmake -S "$VANTOREL_ROOT" -B "$VANTOREL_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+        configure=1
+    fi
+    for option in "$@"; do
+        local name="${option#-D}"
+        if ! grep -q "^${name%%=*}:[A-Z]*=${name#*=}\$" "$VANTOREL_BUILD/CMakeCache.txt" 2>/dev/null; then
+            configure=1
+        fi
+    done
+    if [ "$configure" = 1 ]; then
+        cmake -S "$VANTOREL_ROOT" -B "$VANTOREL_BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
     fi
     cmake --build "$VANTOREL_BUILD" --parallel
 }

@@ -1,9 +1,9 @@
 #include "HarnessApp.h"
 
+#include "BuildInfo.h"
+#include "core/util/ResourceLocator.h"
 #include "ui/shell/AppController.h"
 #include "ui/shell/MainWindow.h"
-#include "core/util/ResourceLocator.h"
-#include "BuildInfo.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -53,7 +53,8 @@ void processEventsFor(int milliseconds)
     loop.exec();
 }
 
-void runEventLoopUntil(const std::function<bool()> &done, int limitMilliseconds, int checkMilliseconds)
+void runEventLoopUntil(const std::function<bool()> &done, int limitMilliseconds,
+                       int checkMilliseconds)
 {
     QEventLoop loop;
     QTimer check;
@@ -69,8 +70,8 @@ void runEventLoopUntil(const std::function<bool()> &done, int limitMilliseconds,
 
 bool waitUntilExposed(QWidget *widget)
 {
-    runEventLoopUntil([widget] { return widget->windowHandle() && widget->windowHandle()->isExposed(); },
-                      10000);
+    runEventLoopUntil(
+        [widget] { return widget->windowHandle() && widget->windowHandle()->isExposed(); }, 10000);
     return widget->windowHandle() && widget->windowHandle()->isExposed();
 }
 

@@ -29,7 +29,8 @@ void stopApplication(AppController *controller);
 void processEventsFor(int milliseconds);
 // Runs the event loop until the condition holds (checked before starting and then every so many
 // milliseconds) or the time limit has passed.
-void runEventLoopUntil(const std::function<bool()> &done, int limitMilliseconds, int checkMilliseconds = 1);
+void runEventLoopUntil(const std::function<bool()> &done, int limitMilliseconds,
+                       int checkMilliseconds = 1);
 // Runs the event loop until the widget's window is exposed (at most ten seconds).
 bool waitUntilExposed(QWidget *widget);
 

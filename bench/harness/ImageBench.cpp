@@ -3,12 +3,12 @@
 
 #include "HarnessApp.h"
 
-#include "ui/shell/AppController.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/GroupOutlineModel.h"
+#include "core/sources/Node.h"
+#include "ui/shell/AppController.h"
 #include "ui/sources/GroupView.h"
 #include "ui/sources/ImagePane.h"
-#include "core/sources/Node.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -180,7 +180,9 @@ int runImageBench(const QStringList &arguments)
     QJsonObject result;
     result[QStringLiteral("ok")] = ok;
     result[QStringLiteral("file_bytes")] = double(QFileInfo(path).size());
-    result[QStringLiteral("source_size")] = QStringLiteral("%1x%2").arg(QImageReader(path).size().width()).arg(QImageReader(path).size().height());
+    result[QStringLiteral("source_size")] = QStringLiteral("%1x%2")
+                                                .arg(QImageReader(path).size().width())
+                                                .arg(QImageReader(path).size().height());
     result[QStringLiteral("in_view_ms")] = Harness::toJsonArray(inView);
     result[QStringLiteral("painted_ms")] = Harness::toJsonArray(painted);
     result[QStringLiteral("decode_alone_ms")] = Harness::toJsonArray(decodeAlone);

@@ -27,17 +27,20 @@ struct Kind {
 QList<Kind> kinds()
 {
     return {
-        {"daily", ReportFormatter::kDailyReportFileName,
+        {"daily",
+         ReportFormatter::kDailyReportFileName,
          {QStringLiteral("rsga-20251218.txt"), QStringLiteral("rsga-20251225.txt")},
          ReportFormatter::dailyReportPasses()},
-        {"highlights", ReportFormatter::kHighlightsFileName, {QStringLiteral("wkhf-20251222.txt")},
+        {"highlights",
+         ReportFormatter::kHighlightsFileName,
+         {QStringLiteral("wkhf-20251222.txt")},
          ReportFormatter::highlightsPasses()},
-        {"other", "DSD.txt",
+        {"other",
+         "DSD.txt",
          {QStringLiteral("other-3day-forecast-20251221.txt"),
           QStringLiteral("other-advisory-outlook-20251222.txt"),
-          QStringLiteral("other-discussion-20251221.txt"),
-          QStringLiteral("other-dsd-20251222.txt"), QStringLiteral("other-srs-20000922.txt"),
-          QStringLiteral("other-wwv-20251222.txt")},
+          QStringLiteral("other-discussion-20251221.txt"), QStringLiteral("other-dsd-20251222.txt"),
+          QStringLiteral("other-srs-20000922.txt"), QStringLiteral("other-wwv-20251222.txt")},
          ReportFormatter::otherReportsPasses()},
     };
 }
@@ -69,7 +72,8 @@ int makeInputs(const QDir &folder, qsizetype characters)
     for (const Kind &kind : kinds()) {
         QStringList bulletins;
         for (const QString &name : kind.fixtures) {
-            const auto text = BulletinFile::read(QStringLiteral(VANTOREL_FIXTURES_DIR "/bulletins/") + name);
+            const auto text =
+                BulletinFile::read(QStringLiteral(VANTOREL_FIXTURES_DIR "/bulletins/") + name);
             if (!text) {
                 std::fprintf(stderr, "cannot read the fixture %s\n", qPrintable(name));
                 return 1;
@@ -113,7 +117,8 @@ int measure(const QDir &folder, int runs)
             output = ReportFormatter::reformat(*text, dataFileName);
             times.push_back(Harness::nowMs() - start);
         }
-        writeUtf8(folder.filePath(QLatin1String(kind.name) + QStringLiteral(".vantorel.txt")), output);
+        writeUtf8(folder.filePath(QLatin1String(kind.name) + QStringLiteral(".vantorel.txt")),
+                  output);
         result[QLatin1String(kind.name)] =
             QJsonObject{{QStringLiteral("characters"), double(text->size())},
                         {QStringLiteral("times_ms"), Harness::toJsonArray(times)},
@@ -129,7 +134,8 @@ int runReformatBench(const QStringList &arguments)
 {
     if (arguments.value(0) == QLatin1String("reformat-input") && arguments.size() == 3) {
         QDir().mkpath(arguments.at(1));
-        return makeInputs(QDir(arguments.at(1)), qsizetype(arguments.at(2).toDouble() * 1024 * 1024));
+        return makeInputs(QDir(arguments.at(1)),
+                          qsizetype(arguments.at(2).toDouble() * 1024 * 1024));
     }
     if (arguments.value(0) == QLatin1String("reformat") && arguments.size() == 3)
         return measure(QDir(arguments.at(1)), arguments.at(2).toInt());

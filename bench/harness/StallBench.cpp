@@ -6,13 +6,13 @@
 
 #include "HarnessApp.h"
 
-#include "ui/shell/AppController.h"
 #include "core/shell/AppCore.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/GroupOutlineModel.h"
-#include "ui/sources/GroupView.h"
 #include "core/sources/Node.h"
+#include "ui/shell/AppController.h"
+#include "ui/sources/GroupView.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -22,8 +22,8 @@
 #include <QTreeView>
 
 #include <algorithm>
-#include <functional>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -67,7 +67,8 @@ struct Event {
     QString what;
 };
 
-QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &events, double phaseStart)
+QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &events,
+                    double phaseStart)
 {
     std::vector<double> lengths;
     for (const Gap &gap : gaps)
@@ -83,7 +84,8 @@ QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &even
         QString context = QStringLiteral("-");
         for (const Event &event : events) {
             if (event.at <= gap.start + gap.length)
-                context = event.what + QStringLiteral(" at +%1 ms").arg(event.at - phaseStart, 0, 'f', 1);
+                context =
+                    event.what + QStringLiteral(" at +%1 ms").arg(event.at - phaseStart, 0, 'f', 1);
         }
         worst.append(QJsonObject{{QStringLiteral("gap_ms"), gap.length},
                                  {QStringLiteral("at_ms"), gap.start - phaseStart},
@@ -91,7 +93,9 @@ QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &even
     }
     std::sort(lengths.begin(), lengths.end());
     const auto percentile = [&](double p) {
-        return lengths.empty() ? 0.0 : lengths[std::min(lengths.size() - 1, size_t(p * double(lengths.size())))];
+        return lengths.empty()
+                   ? 0.0
+                   : lengths[std::min(lengths.size() - 1, size_t(p * double(lengths.size())))];
     };
     int over = 0;
     for (const double length : lengths)
@@ -190,8 +194,9 @@ int runStallBench(const QStringList &arguments)
         };
         QObject::connect(group, &NodeGroup::nodeDataLoaded, controller,
                          [done](Node *node) { done(node, QStringLiteral("transfer done")); });
-        QObject::connect(group, &NodeGroup::nodeDownloadFailed, controller,
-                         [done](Node *node, const QString &) { done(node, QStringLiteral("transfer failed")); });
+        QObject::connect(
+            group, &NodeGroup::nodeDownloadFailed, controller,
+            [done](Node *node, const QString &) { done(node, QStringLiteral("transfer failed")); });
     }
     for (int i = 0; i < imageViews.size(); ++i) {
         script.append([&, i] {
@@ -200,7 +205,9 @@ int runStallBench(const QStringList &arguments)
             GroupView *groupView = imageViews.at(i);
             groupView->domainsList()->setCurrentIndex(
                 groupView->outlineModel()->indexForNode(transfers.at(i)));
-            events.push_back({start, QStringLiteral("show %1, select its large node").arg(groupView->groupName())});
+            events.push_back(
+                {start,
+                 QStringLiteral("show %1, select its large node").arg(groupView->groupName())});
         });
     }
     script.append([&] {

@@ -5,9 +5,9 @@
 
 #include "HarnessApp.h"
 
+#include "core/util/ResourceLocator.h"
 #include "ui/shell/AppController.h"
 #include "ui/shell/MainWindow.h"
-#include "core/util/ResourceLocator.h"
 
 #include <QCoreApplication>
 #include <QJsonObject>
@@ -37,7 +37,8 @@ int runStartupSteps(const QStringList &arguments, double mainStarted, double app
         t = Harness::nowMs();
     });
     const double loopStarted = Harness::nowMs();
-    while (!(controller->window()->windowHandle() && controller->window()->windowHandle()->isExposed()))
+    while (!(controller->window()->windowHandle() &&
+             controller->window()->windowHandle()->isExposed()))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     steps[QStringLiteral("shown_to_exposed_ms")] = Harness::nowMs() - t;
     // The first frame: what is painted once the window is exposed.

@@ -102,8 +102,8 @@ int main(int argc, char **argv)
     const xcb_query_extension_reply_t *damage = xcb_get_extension_data(connection, &xcb_damage_id);
     if (!damage || !damage->present)
         fail("the X server has no DAMAGE extension");
-    std::free(xcb_damage_query_version_reply(
-        connection, xcb_damage_query_version(connection, 1, 1), nullptr));
+    std::free(xcb_damage_query_version_reply(connection, xcb_damage_query_version(connection, 1, 1),
+                                             nullptr));
     const uint8_t damageNotify = damage->first_event + XCB_DAMAGE_NOTIFY;
 
     const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
@@ -173,7 +173,8 @@ int main(int argc, char **argv)
     stopChild(pid);
     xcb_disconnect(connection);
 
-    std::printf("{\"mapped_ms\": %.3f, \"shown_ms\": %.3f, \"peak_rss_kb\": %ld, \"rss_kb\": %ld}\n",
-                mappedAt - start, shownAt - start, peak, resident);
+    std::printf(
+        "{\"mapped_ms\": %.3f, \"shown_ms\": %.3f, \"peak_rss_kb\": %ld, \"rss_kb\": %ld}\n",
+        mappedAt - start, shownAt - start, peak, resident);
     return 0;
 }

@@ -139,15 +139,22 @@ void SampleData::fill(AppCore *core, const QString &bulletinFolder)
             ++seed;
             QImage image;
             switch (g) {
-            case 0: image = sunImage(seed, node->itemName().contains(QLatin1String("LASCO"))); break;
-            case 1: image = plotImage(seed); break;
-            case 2: image = auroraImage(seed); break;
-            default: image = earthImage(seed); break;
+            case 0:
+                image = sunImage(seed, node->itemName().contains(QLatin1String("LASCO")));
+                break;
+            case 1:
+                image = plotImage(seed);
+                break;
+            case 2:
+                image = auroraImage(seed);
+                break;
+            default:
+                image = earthImage(seed);
+                break;
             }
             // The format follows the file name, so a .gif node gets a file a reader accepts.
-            image.save(node->filePath(), node->filePath().endsWith(QLatin1String(".gif"))
-                                              ? "PNG"
-                                              : nullptr);
+            image.save(node->filePath(),
+                       node->filePath().endsWith(QLatin1String(".gif")) ? "PNG" : nullptr);
         }
     }
 

@@ -1,19 +1,19 @@
 #include "ScreenshotTour.h"
 
-#include "ui/alerts/AlertsView.h"
-#include "ui/shell/AppController.h"
-#include "core/shell/AppCore.h"
-#include "ui/shell/MainWindow.h"
 #include "core/settings/Preferences.h"
-#include "ui/shell/PreferencesPanel.h"
+#include "core/shell/AppCore.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/GroupOutlineModel.h"
+#include "core/sources/Node.h"
+#include "ui/alerts/AlertsView.h"
+#include "ui/log/ActivityLog.h"
+#include "ui/shell/AppController.h"
+#include "ui/shell/MainWindow.h"
+#include "ui/shell/PreferencesPanel.h"
 #include "ui/sources/GroupView.h"
 #include "ui/sources/ImageController.h"
 #include "ui/sources/ImageWindow.h"
-#include "core/sources/Node.h"
 #include "ui/sources/NodeScheduler.h"
-#include "ui/log/ActivityLog.h"
 
 #include <QApplication>
 #include <QDir>
@@ -68,8 +68,9 @@ int ScreenshotTour::run()
         window->resize(size.size);
         for (int view = 0; view < 6; ++view) {
             _controller->setGroupView(view);
-            save(window, QStringLiteral("%1-%2-%3").arg(view + 1).arg(QLatin1String(viewNames[view]),
-                                                                      QLatin1String(size.suffix)));
+            save(window, QStringLiteral("%1-%2-%3")
+                             .arg(view + 1)
+                             .arg(QLatin1String(viewNames[view]), QLatin1String(size.suffix)));
         }
     }
     window->resize(sizes[0].size);
@@ -77,8 +78,9 @@ int ScreenshotTour::run()
 
     ActivityLog *log = _controller->log();
     log->addMessageToLog(QStringLiteral("Download of \"AIA 193\" Successful"));
-    log->addErrorToLog(QStringLiteral("Download of \"LASCO C3\" Failed: The request timed out. "
-                                      "https://soho.nascom.nasa.gov/data/realtime/c3/1024/latest.jpg"));
+    log->addErrorToLog(
+        QStringLiteral("Download of \"LASCO C3\" Failed: The request timed out. "
+                       "https://soho.nascom.nasa.gov/data/realtime/c3/1024/latest.jpg"));
     log->addMessageToLog(QStringLiteral("Download of \"RSGA\" Successful"));
     log->openLogWindow();
     save(log, QStringLiteral("7-activity-log"));

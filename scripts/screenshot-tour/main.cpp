@@ -1,8 +1,8 @@
 #include "SampleData.h"
 #include "ScreenshotTour.h"
 
-#include "ui/shell/AppController.h"
 #include "core/shell/AppCore.h"
+#include "ui/shell/AppController.h"
 
 #include <QApplication>
 #include <QDir>

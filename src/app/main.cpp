@@ -1,8 +1,8 @@
-#include "ui/shell/AppController.h"
 #include "BuildInfo.h"
 #include "cli/CommandLine.h"
 #include "core/settings/Preferences.h"
 #include "core/util/SignalQuitter.h"
+#include "ui/shell/AppController.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -2,9 +2,9 @@
 
 #include "BuildInfo.h"
 #include "cli/FetchCommand.h"
-#include "core/util/ResourceLocator.h"
-#include "cli/ReportCommand.h"
 #include "cli/MoonCommand.h"
+#include "cli/ReportCommand.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,14 +1,14 @@
 #include "cli/FetchCommand.h"
 
-#include "core/shell/AppCore.h"
 #include "cli/CommandLine.h"
+#include "core/log/ConsoleLogSink.h"
 #include "core/settings/Preferences.h"
+#include "core/settings/Settings.h"
+#include "core/shell/AppCore.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
-#include "core/log/ConsoleLogSink.h"
 #include "core/util/SignalQuitter.h"
-#include "core/settings/Settings.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -84,10 +84,10 @@ int FetchCommand::run(const QStringList &arguments)
 
     QStringList wanted;
     for (const QString &argument : parser.positionalArguments()) {
-        const auto match = std::find_if(groupNames().cbegin(), groupNames().cend(),
-                                         [&](const QString &name) {
-                                             return name.compare(argument, Qt::CaseInsensitive) == 0;
-                                         });
+        const auto match =
+            std::find_if(groupNames().cbegin(), groupNames().cend(), [&](const QString &name) {
+                return name.compare(argument, Qt::CaseInsensitive) == 0;
+            });
         if (match == groupNames().cend())
             return usageError(QStringLiteral("unknown group \"%1\"").arg(argument));
         if (!wanted.contains(*match))

@@ -1,9 +1,9 @@
 #include "cli/MoonCommand.h"
 
+#include "cli/CommandLine.h"
 #include "core/moon/MoonCalc.h"
 #include "core/moon/MoonPhaseNames.h"
 #include "core/moon/MoonText.h"
-#include "cli/CommandLine.h"
 #include "core/util/Clock.h"
 
 #include <QCommandLineParser>

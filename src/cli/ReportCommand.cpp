@@ -1,8 +1,8 @@
 #include "cli/ReportCommand.h"
 
+#include "cli/CommandLine.h"
 #include "core/bulletins/BulletinFile.h"
 #include "core/shell/AppCore.h"
-#include "cli/CommandLine.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
 
@@ -30,8 +30,8 @@ void printText(FILE *stream, const QString &text)
 
 int usageError(const QString &message)
 {
-    print(stderr, QStringLiteral("vantorel report: %1\nTry \"vantorel report --help\".\n")
-                      .arg(message));
+    print(stderr,
+          QStringLiteral("vantorel report: %1\nTry \"vantorel report --help\".\n").arg(message));
     return CommandLine::UsageError;
 }
 
@@ -57,8 +57,8 @@ int listReports(const FlatGroup &group)
     struct Row {
         QString title, file, updated;
     };
-    QList<Row> rows{{QStringLiteral("Title"), QStringLiteral("Data file"),
-                     QStringLiteral("Last updated")}};
+    QList<Row> rows{
+        {QStringLiteral("Title"), QStringLiteral("Data file"), QStringLiteral("Last updated")}};
     for (const Node *node : group.nodes())
         rows.append({node->nodeTitle(), node->fileName(), node->lastUpdate()});
     qsizetype titleWidth = 0;
@@ -153,8 +153,8 @@ int ReportCommand::run(const QStringList &arguments)
 
     CommandLine::applyDefinitionsFolder(*options);
     FlatGroup group;
-    const bool loaded = group.loadDictionaryData(QStringLiteral("DataAlerts.plist"),
-                                                 dataFolder(*options));
+    const bool loaded =
+        group.loadDictionaryData(QStringLiteral("DataAlerts.plist"), dataFolder(*options));
     if (parser.isSet(list)) {
         if (!loaded)
             return failure(QStringLiteral("the list of reports (DataAlerts.plist) cannot be read"));

@@ -40,7 +40,8 @@ private:
         QProcessEnvironment env = TestEnvironment::headlessEnvironment();
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(workingDirectory.isEmpty() ? _work : workingDirectory);
-        process.start(QStringLiteral(VANTOREL_BINARY), QStringList{QStringLiteral("report")} + arguments);
+        process.start(QStringLiteral(VANTOREL_BINARY),
+                      QStringList{QStringLiteral("report")} + arguments);
         if (!process.waitForFinished(30000)) {
             process.kill();
             process.waitForFinished();
@@ -93,20 +94,20 @@ void TestAlertsReport::printsAFile_data()
         << QByteArray("R\nIssued: d\n\n1A. x-y\n");
     QTest::newRow("highlights by their name")
         << "WKHF.txt" << QByteArray("a\nb\n\n# c\n") << QStringList() << QByteArray("a b \nc \n");
-    QTest::newRow("name compared exactly") << "wkhf.txt" << QByteArray("a\nb\n# c")
-                                           << QStringList() << QByteArray("a\nb\nc\n");
+    QTest::newRow("name compared exactly")
+        << "wkhf.txt" << QByteArray("a\nb\n# c") << QStringList() << QByteArray("a\nb\nc\n");
     QTest::newRow("--as chooses the transformation")
-        << "notes.txt" << QByteArray("a\nb") << QStringList{"--as", "WKHF.txt"} << QByteArray("a b\n");
+        << "notes.txt" << QByteArray("a\nb") << QStringList{"--as", "WKHF.txt"}
+        << QByteArray("a b\n");
     QTest::newRow("--as another name")
         << "RSGA.txt" << QByteArray("x\nIA. y") << QStringList{"--as", "other.txt"}
         << QByteArray("x\nIA. y\n");
-    QTest::newRow("printed in UTF-8")
-        << "x.txt" << QByteArray("\xA5 10\xA1 \xDB") << QStringList()
-        << QByteArray("\xE2\x80\xA2 10\xC2\xB0 \xE2\x82\xAC\n");
+    QTest::newRow("printed in UTF-8") << "x.txt" << QByteArray("\xA5 10\xA1 \xDB") << QStringList()
+                                      << QByteArray("\xE2\x80\xA2 10\xC2\xB0 \xE2\x82\xAC\n");
     QTest::newRow("UTF-16 file") << "x.txt" << QByteArray("\xFF\xFE\x41\x00\x0A\x00", 6)
                                  << QStringList() << QByteArray("A\n");
-    QTest::newRow("CR LF line ends") << "x.txt" << QByteArray("a\r\n# b\r\n") << QStringList()
-                                     << QByteArray("a\nb\n");
+    QTest::newRow("CR LF line ends")
+        << "x.txt" << QByteArray("a\r\n# b\r\n") << QStringList() << QByteArray("a\nb\n");
 }
 
 void TestAlertsReport::printsAFile()
@@ -184,10 +185,12 @@ void TestAlertsReport::nothingToPrint()
         data += QStringLiteral("/not-there");
     if (stored != "none")
         writeFile(data + "/WKHF.txt", stored);
-    const Result result = report({"--definitions", _definitions, "--data-dir", data, "Weekly title"});
+    const Result result =
+        report({"--definitions", _definitions, "--data-dir", data, "Weekly title"});
     QCOMPARE(result.code, 1);
     QCOMPARE(result.out, QByteArray());
-    QCOMPARE(result.err, QByteArray("Data not loaded. Press \"Reload\" to download current data.\n"));
+    QCOMPARE(result.err,
+             QByteArray("Data not loaded. Press \"Reload\" to download current data.\n"));
     // Reading never creates anything.
     QCOMPARE(QFileInfo::exists(data), createDataFolder);
 }
@@ -203,16 +206,16 @@ void TestAlertsReport::usageErrors_data()
     QTest::newRow("empty --as") << QStringList{"--as", "", "RSGA.txt"} << QByteArray("--as");
     QTest::newRow("unknown option") << QStringList{"--fast"} << QByteArray("fast");
     QTest::newRow("definitions not a folder")
-        << QStringList{"--definitions", "/nonexistent/x", "RSGA.txt"} << QByteArray("--definitions");
+        << QStringList{"--definitions", "/nonexistent/x", "RSGA.txt"}
+        << QByteArray("--definitions");
 }
 
 void TestAlertsReport::usageErrors()
 {
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, mentions);
-    const QStringList options = arguments.contains(QStringLiteral("--definitions"))
-                                    ? arguments
-                                    : common() + arguments;
+    const QStringList options =
+        arguments.contains(QStringLiteral("--definitions")) ? arguments : common() + arguments;
     const Result result = report(options);
     QCOMPARE(result.code, 2);
     QCOMPARE(result.out, QByteArray());
@@ -228,7 +231,8 @@ void TestAlertsReport::listsTheReports()
     const Result result = report(common() + QStringList{"--list"});
     QCOMPARE(result.code, 0);
     QCOMPARE(result.err, QByteArray());
-    const QStringList lines = QString::fromUtf8(result.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QStringList lines =
+        QString::fromUtf8(result.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     QCOMPARE(lines.size(), 4);
     const QStringList rows[] = {{"Title", "Data file", "Last updated"},
                                 {"Daily title", "RSGA.txt", "Unknown"},

@@ -36,7 +36,8 @@ private:
         QProcess process;
         QProcessEnvironment env = TestEnvironment::headlessEnvironment();
         process.setProcessEnvironment(env);
-        process.start(QStringLiteral(VANTOREL_BINARY), QStringList{QStringLiteral("fetch")} + arguments);
+        process.start(QStringLiteral(VANTOREL_BINARY),
+                      QStringList{QStringLiteral("fetch")} + arguments);
         if (!process.waitForStarted())
             return {};
         Result result;
@@ -58,12 +59,14 @@ private:
     void writeDefinitions(bool withFailure)
     {
         const auto node = [this](const QString &dest, const QString &name, const QByteArray &path) {
-            return TestEnvironment::nodeDict(dest, name, _server->baseUrl(), QString::fromLatin1(path));
+            return TestEnvironment::nodeDict(dest, name, _server->baseUrl(),
+                                             QString::fromLatin1(path));
         };
         const QVariantMap image{
-            {"Domain0", QVariantMap{{"DomainName", "D"},
-                                    {"Node0", node("sun1.png", "Sun One", "sun1")},
-                                    {"Node1", node("sun2.png", "Sun Two", withFailure ? "gone" : "sun2")}}}};
+            {"Domain0",
+             QVariantMap{{"DomainName", "D"},
+                         {"Node0", node("sun1.png", "Sun One", "sun1")},
+                         {"Node1", node("sun2.png", "Sun Two", withFailure ? "gone" : "sun2")}}}};
         QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataSun.plist", image));
         for (const char *group : {"Graphs", "Aurora", "Earth"}) {
             const QString name = QLatin1String(group);
@@ -73,13 +76,14 @@ private:
                                          {"Node0", node(name + ".png", name, "image")}}}}));
         }
         QVERIFY(TestEnvironment::writePropertyList(
-            _definitions + "/DataAlerts.plist",
-            {{"Node0", node("RSGA.txt", "RSGA", "report")}, {"Node1", node("WKHF.txt", "Weekly", "report")}}));
+            _definitions + "/DataAlerts.plist", {{"Node0", node("RSGA.txt", "RSGA", "report")},
+                                                 {"Node1", node("WKHF.txt", "Weekly", "report")}}));
     }
     QStringList common() const
     {
-        return {QStringLiteral("--definitions"), _definitions, QStringLiteral("--data-dir"), _data,
-                QStringLiteral("--timeout"), QStringLiteral("5")};
+        return {QStringLiteral("--definitions"), _definitions,
+                QStringLiteral("--data-dir"),    _data,
+                QStringLiteral("--timeout"),     QStringLiteral("5")};
     }
 
     std::unique_ptr<TestHttpServer> _server;
@@ -107,11 +111,12 @@ void TestFetch::fetchesEverything()
     QCOMPARE(result.code, 0);
     QVERIFY2(result.err.isEmpty(), qPrintable(result.err.join('\n')));
     QCOMPARE(result.out.size(), 7);
-    const QRegularExpression line(
-        QStringLiteral("^\\[\\d{4}/\\d\\d/\\d\\d \\d\\d:\\d\\d[AP]M\\] Download of \".+\" Successful$"));
+    const QRegularExpression line(QStringLiteral(
+        "^\\[\\d{4}/\\d\\d/\\d\\d \\d\\d:\\d\\d[AP]M\\] Download of \".+\" Successful$"));
     for (const QString &entry : result.out)
         QVERIFY2(line.match(entry).hasMatch(), qPrintable(entry));
-    QCOMPARE(result.out.filter(QRegularExpression(QStringLiteral("\"Sun Two\" Successful$"))).size(), 1);
+    QCOMPARE(
+        result.out.filter(QRegularExpression(QStringLiteral("\"Sun Two\" Successful$"))).size(), 1);
     QFile sun(_data + QStringLiteral("/sun2.png"));
     QVERIFY(sun.open(QIODevice::ReadOnly));
     QCOMPARE(sun.readAll(), TestHttpServer::picture(200));
@@ -134,7 +139,8 @@ void TestFetch::failureExitsOne()
 void TestFetch::onlyTheNamedGroups()
 {
     writeDefinitions(true);
-    const Result result = fetch(common() + QStringList{QStringLiteral("alerts"), QStringLiteral("Earth")});
+    const Result result =
+        fetch(common() + QStringList{QStringLiteral("alerts"), QStringLiteral("Earth")});
     QCOMPARE(result.code, 0);
     QCOMPARE(result.out.size(), 3);
     QCOMPARE(_server->requestCount("/sun1"), 0);
@@ -164,8 +170,10 @@ void TestFetch::helpAndVersion_data()
 {
     QTest::addColumn<QString>("option");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("help") << "--help" << "Groups: Sun, Graphs, Aurora, Earth, Alerts";
-    QTest::newRow("version") << "--version" << "vantorel 0.1.0";
+    QTest::newRow("help") << "--help"
+                          << "Groups: Sun, Graphs, Aurora, Earth, Alerts";
+    QTest::newRow("version") << "--version"
+                             << "vantorel 0.1.0";
 }
 
 void TestFetch::helpAndVersion()

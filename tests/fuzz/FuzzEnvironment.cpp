@@ -28,8 +28,8 @@ void quietMessages(QtMsgType type, const QMessageLogContext &, const QString &me
 
 void FuzzEnvironment::setUp()
 {
-    homeDir() = std::make_unique<QTemporaryDir>(QDir::tempPath() +
-                                                QStringLiteral("/vantorel-fuzz-XXXXXX"));
+    homeDir() =
+        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantorel-fuzz-XXXXXX"));
     if (!homeDir()->isValid()) {
         std::fprintf(stderr, "cannot make a temporary home\n");
         std::abort();

@@ -49,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     // One character per byte, or one per two bytes behind a byte-order mark (with a replacement
     // character for an odd last byte).
-    const bool utf16 = size >= 2 && ((data[0] == 0xFE && data[1] == 0xFF) ||
-                                     (data[0] == 0xFF && data[1] == 0xFE));
+    const bool utf16 =
+        size >= 2 && ((data[0] == 0xFE && data[1] == 0xFF) || (data[0] == 0xFF && data[1] == 0xFE));
     check(text.size() == (utf16 ? qsizetype(size - 2) / 2 + qsizetype(size % 2) : qsizetype(size)));
 
     const QString daily = ReportFormatter::munchDailySpaceWeatherReportFromString(text);

@@ -5,12 +5,12 @@
 // its data file directly inside the data folder, whatever its entry says.
 #include "FuzzEnvironment.h"
 
-#include "core/util/ResourceLocator.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
-#include "core/sources/PropertyList.h"
 #include "core/sources/Node.h"
+#include "core/sources/PropertyList.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QDir>
 #include <QFile>
@@ -72,9 +72,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const qsizetype entries = isDictionary ? root->toMap().size() : 0;
 
     DomainGroup sun;
-    const bool sunLoaded =
-        sun.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
-                                   dataFolder());
+    const bool sunLoaded = sun.loadDomainDataForGroup(
+        QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"), dataFolder());
     if (sunLoaded != isDictionary || sun.domains().size() > entries)
         std::abort();
     checkNodes(sun.allNodes());

@@ -24,8 +24,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
+    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
     const QDateTime parsed = UpdateTimeText::parseLongLastUpdate(text);
     if (parsed.isValid()) {
         check(parsed.time().second() == 0 && parsed.time().msec() == 0);

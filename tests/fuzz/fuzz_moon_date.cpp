@@ -5,8 +5,8 @@
 // behaviour, such as a float that overflows the integer it is converted to.
 #include "FuzzEnvironment.h"
 
-#include "core/moon/MoonCalc.h"
 #include "cli/MoonCommand.h"
+#include "core/moon/MoonCalc.h"
 #include "core/moon/MoonText.h"
 
 #include <QJsonDocument>
@@ -24,8 +24,7 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    const QString text =
-        QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
+    const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
     QString error;
     const std::optional<QDateTime> date = MoonCommand::parseDate(text, &error);
     if (!date) {

@@ -1,11 +1,11 @@
 #include "TestEnvironment.h"
 
 #include "HomeEnvironment.h"
-#include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
 #include "core/net/NetworkAccess.h"
-#include "core/util/Clock.h"
+#include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
+#include "core/util/Clock.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -67,7 +67,8 @@ plist_t toPlist(const QVariant &value)
 
 void TestEnvironment::setUp()
 {
-    homeDir() = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantorel-test-XXXXXX"));
+    homeDir() =
+        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantorel-test-XXXXXX"));
     const QByteArray home = homeDir()->path().toLocal8Bit();
     pointHomeAt(home);
     setenv("XDG_RUNTIME_DIR", (home + "/runtime").constData(), 1);
@@ -103,8 +104,7 @@ QString TestEnvironment::home()
 QString TestEnvironment::makeFolder(const QString &name)
 {
     static int counter = 0;
-    const QString path =
-        home() + QStringLiteral("/work/%1-%2").arg(name).arg(++counter);
+    const QString path = home() + QStringLiteral("/work/%1-%2").arg(name).arg(++counter);
     QDir().mkpath(path);
     return path;
 }

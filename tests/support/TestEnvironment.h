@@ -35,7 +35,8 @@ public:
     static QProcessEnvironment headlessEnvironment();
 
     // Writes a property list (XML unless binary) with these contents.
-    static bool writePropertyList(const QString &path, const QVariantMap &root, bool binary = false);
+    static bool writePropertyList(const QString &path, const QVariantMap &root,
+                                  bool binary = false);
     // A node definition with the keys every node needs, and the file type that its file name
     // suggests: 0 (a picture) for a picture's extension, otherwise 1 (a text report).
     static QVariantMap nodeDict(const QString &dest, const QString &name = {},

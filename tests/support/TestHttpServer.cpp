@@ -103,7 +103,8 @@ void TestHttpServer::readRequest(QTcpSocket *socket)
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const qsizetype colon = lines[i].indexOf(':');
         if (colon > 0)
-            headers.insert(lines[i].left(colon).trimmed().toLower(), lines[i].mid(colon + 1).trimmed());
+            headers.insert(lines[i].left(colon).trimmed().toLower(),
+                           lines[i].mid(colon + 1).trimmed());
     }
     _requests[path] += 1;
     _lastHeaders.insert(path, headers);
@@ -186,8 +187,9 @@ void TestHttpServer::sendChunks(QPointer<QTcpSocket> socket, Script script, int 
     socket->write(script.chunks.at(index));
     socket->flush();
     if (script.pauseMs > 0 && index + 1 < script.chunks.size()) {
-        QTimer::singleShot(script.pauseMs, this,
-                           [this, socket, script, index] { sendChunks(socket, script, index + 1); });
+        QTimer::singleShot(script.pauseMs, this, [this, socket, script, index] {
+            sendChunks(socket, script, index + 1);
+        });
     } else {
         sendChunks(socket, script, index + 1);
     }

@@ -25,8 +25,8 @@ public:
         // Content-Length to declare; by default the total of the chunks. -1 declares none.
         std::optional<qint64> declaredLength;
         QList<QByteArray> chunks;
-        int pauseMs = 0;          // between chunks
-        int firstByteDelayMs = 0; // before the status line
+        int pauseMs = 0;                // between chunks
+        int firstByteDelayMs = 0;       // before the status line
         bool stallAfterHeaders = false; // send the headers, then nothing, never close
         bool stallForever = false;      // send nothing at all
         bool abortAfterChunks = false;  // reset the connection after the chunks

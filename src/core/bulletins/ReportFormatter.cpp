@@ -156,8 +156,8 @@ bool replaceInto(QStringView source, QStringView search, QStringView replacement
     // replacement inserts is never searched again.
     target.resize(0);
     target.reserve(replacement.size() > search.size()
-                       ? source.size() + (source.size() / search.size()) *
-                                             (replacement.size() - search.size())
+                       ? source.size() +
+                             (source.size() / search.size()) * (replacement.size() - search.size())
                        : source.size());
     qsizetype copied = 0;
     while (found >= 0) {

@@ -1,7 +1,7 @@
 #include "core/log/ConsoleLogSink.h"
 
-#include "core/util/Clock.h"
 #include "core/log/LogEntry.h"
+#include "core/util/Clock.h"
 
 ConsoleLogSink::ConsoleLogSink(FILE *messages, FILE *errors) : _messages(messages), _errors(errors)
 {

@@ -1,7 +1,7 @@
 #include "core/moon/MoonPhaseNames.h"
 
-#include "core/util/ResourceLocator.h"
 #include "core/sources/PropertyList.h"
+#include "core/util/ResourceLocator.h"
 
 std::optional<QStringList> MoonPhaseNames::load(const QString &path)
 {

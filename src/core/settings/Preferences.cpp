@@ -14,9 +14,12 @@ const char *registeredDefault(const char *key)
         const char *key;
         const char *value;
     } defaults[] = {
-        {Preferences::kLastView, "0"},          {Preferences::kIsOnline, "1"},
-        {Preferences::kLogErrorsOnly, "0"},     {Preferences::kBeepOnErrors, "0"},
-        {Preferences::kDownloadMissingData, "1"}, {Preferences::kTimeoutSeconds, "60"},
+        {Preferences::kLastView, "0"},
+        {Preferences::kIsOnline, "1"},
+        {Preferences::kLogErrorsOnly, "0"},
+        {Preferences::kBeepOnErrors, "0"},
+        {Preferences::kDownloadMissingData, "1"},
+        {Preferences::kTimeoutSeconds, "60"},
         {Preferences::kSouthernHemisphere, "0"},
     };
     for (const auto &d : defaults) {

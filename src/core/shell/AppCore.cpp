@@ -6,11 +6,11 @@
 #include "core/sources/Node.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
-#include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -85,10 +85,10 @@ void AppCore::loadAllGroups()
 {
     _sun->loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
                                  _dataFolderPath);
-    _graphs->loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
-                                    QStringLiteral("DataGraphs.plist"), _dataFolderPath);
-    _aurora->loadDomainDataForGroup(QStringLiteral("Aurora"), 2,
-                                    QStringLiteral("DataAurora.plist"), _dataFolderPath);
+    _graphs->loadDomainDataForGroup(QStringLiteral("Graphs"), 1, QStringLiteral("DataGraphs.plist"),
+                                    _dataFolderPath);
+    _aurora->loadDomainDataForGroup(QStringLiteral("Aurora"), 2, QStringLiteral("DataAurora.plist"),
+                                    _dataFolderPath);
     _earth->loadDomainDataForGroup(QStringLiteral("Earth"), 3, QStringLiteral("DataEarth.plist"),
                                    _dataFolderPath);
     _alerts->loadDictionaryData(QStringLiteral("DataAlerts.plist"), _dataFolderPath);

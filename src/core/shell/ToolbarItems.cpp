@@ -35,15 +35,15 @@ bool ToolbarItems::isStandard(const QString &identifier)
 
 QStringList ToolbarItems::defaultItemIdentifiers()
 {
-    return {"Sun",    "Graphs",  "Aurora",   "Earth",
-            "Alerts", "Moon",    kFlexibleSpace, "Online",
-            "Offline", kSeparator, kCustomize};
+    return {"Sun",          "Graphs", "Aurora",  "Earth",    "Alerts",  "Moon",
+            kFlexibleSpace, "Online", "Offline", kSeparator, kCustomize};
 }
 
 QStringList ToolbarItems::allowedItemIdentifiers()
 {
-    return {"Sun",    "Graphs", "Aurora", "Earth", "Alerts",   "Moon",         "Update",  "Cancel",
-            "Online", "Offline", "Prefs", kSeparator, kSpace, kFlexibleSpace, kCustomize};
+    return {"Sun",   "Graphs",   "Aurora", "Earth",        "Alerts",
+            "Moon",  "Update",   "Cancel", "Online",       "Offline",
+            "Prefs", kSeparator, kSpace,   kFlexibleSpace, kCustomize};
 }
 
 QStringList ToolbarItems::selectableItemIdentifiers()

@@ -1,8 +1,8 @@
 #include "core/sources/DomainGroup.h"
 
+#include "core/settings/Settings.h"
 #include "core/sources/Domain.h"
 #include "core/sources/Node.h"
-#include "core/settings/Settings.h"
 
 #include <QSettings>
 

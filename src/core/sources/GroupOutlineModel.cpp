@@ -13,9 +13,12 @@ GroupOutlineModel::GroupOutlineModel(DomainGroup *group, QObject *parent)
 QString GroupOutlineModel::columnIdentifier(int column)
 {
     switch (column) {
-    case 0: return QStringLiteral("itemName");
-    case 1: return QStringLiteral("nodeStatus");
-    default: return QString();
+    case 0:
+        return QStringLiteral("itemName");
+    case 1:
+        return QStringLiteral("nodeStatus");
+    default:
+        return QString();
     }
 }
 
@@ -146,8 +149,11 @@ QVariant GroupOutlineModel::headerData(int section, Qt::Orientation orientation,
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return QVariant();
     switch (section) {
-    case 0: return tr("Name");
-    case 1: return tr("Status");
-    default: return QVariant();
+    case 0:
+        return tr("Name");
+    case 1:
+        return tr("Status");
+    default:
+        return QVariant();
     }
 }

@@ -3,11 +3,11 @@
 #include "core/net/AtomicFile.h"
 #include "core/net/ContentCheck.h"
 #include "core/net/NetworkAccess.h"
+#include "core/settings/Preferences.h"
+#include "core/settings/Settings.h"
 #include "core/sources/NodeDelegate.h"
 #include "core/sources/UpdateTimeText.h"
-#include "core/settings/Preferences.h"
 #include "core/util/Clock.h"
-#include "core/settings/Settings.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,10 +1,10 @@
 #include "core/sources/NodeGroup.h"
 
-#include "core/sources/PropertyList.h"
-#include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
-#include "core/sources/Node.h"
 #include "core/log/LogSink.h"
+#include "core/settings/Preferences.h"
+#include "core/sources/Node.h"
+#include "core/sources/PropertyList.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QDebug>
 #include <QFileInfo>

@@ -4,9 +4,10 @@
 
 namespace {
 
-const char *const kMonths[] = {"January", "February", "March",     "April",   "May",      "June",
-                               "July",    "August",   "September", "October", "November", "December"};
-const char *const kDays[] = {"Monday", "Tuesday", "Wednesday", "Thursday",
+const char *const kMonths[] = {"January",   "February", "March",    "April",
+                               "May",       "June",     "July",     "August",
+                               "September", "October",  "November", "December"};
+const char *const kDays[] = {"Monday", "Tuesday",  "Wednesday", "Thursday",
                              "Friday", "Saturday", "Sunday"};
 
 QString twoDigits(int value)
@@ -65,24 +66,60 @@ QString CalendarFormat::format(const QDateTime &dateTime, const QString &pattern
         }
         const QChar conv = pattern.at(++i);
         switch (conv.unicode()) {
-        case 'A': out += englishDayName(date.dayOfWeek(), false); break;
-        case 'a': out += englishDayName(date.dayOfWeek(), true); break;
-        case 'B': out += englishMonthName(date.month(), false); break;
-        case 'b': out += englishMonthName(date.month(), true); break;
-        case 'd': out += twoDigits(date.day()); break;
-        case 'e': out += QString::number(date.day()).rightJustified(2, QLatin1Char(' ')); break;
-        case 'H': out += twoDigits(time.hour()); break;
-        case 'I': out += twoDigits(time.hour() % 12 == 0 ? 12 : time.hour() % 12); break;
-        case 'j': out += QString::number(date.dayOfYear()).rightJustified(3, QLatin1Char('0')); break;
-        case 'M': out += twoDigits(time.minute()); break;
-        case 'm': out += twoDigits(date.month()); break;
-        case 'p': out += time.hour() < 12 ? QStringLiteral("AM") : QStringLiteral("PM"); break;
-        case 'S': out += twoDigits(time.second()); break;
-        case 'Y': out += QString::number(date.year()); break;
-        case 'y': out += twoDigits(date.year() % 100); break;
-        case 'Z': out += dateTime.timeZoneAbbreviation(); break;
-        case 'z': out += offsetText(dateTime); break;
-        case '%': out += QLatin1Char('%'); break;
+        case 'A':
+            out += englishDayName(date.dayOfWeek(), false);
+            break;
+        case 'a':
+            out += englishDayName(date.dayOfWeek(), true);
+            break;
+        case 'B':
+            out += englishMonthName(date.month(), false);
+            break;
+        case 'b':
+            out += englishMonthName(date.month(), true);
+            break;
+        case 'd':
+            out += twoDigits(date.day());
+            break;
+        case 'e':
+            out += QString::number(date.day()).rightJustified(2, QLatin1Char(' '));
+            break;
+        case 'H':
+            out += twoDigits(time.hour());
+            break;
+        case 'I':
+            out += twoDigits(time.hour() % 12 == 0 ? 12 : time.hour() % 12);
+            break;
+        case 'j':
+            out += QString::number(date.dayOfYear()).rightJustified(3, QLatin1Char('0'));
+            break;
+        case 'M':
+            out += twoDigits(time.minute());
+            break;
+        case 'm':
+            out += twoDigits(date.month());
+            break;
+        case 'p':
+            out += time.hour() < 12 ? QStringLiteral("AM") : QStringLiteral("PM");
+            break;
+        case 'S':
+            out += twoDigits(time.second());
+            break;
+        case 'Y':
+            out += QString::number(date.year());
+            break;
+        case 'y':
+            out += twoDigits(date.year() % 100);
+            break;
+        case 'Z':
+            out += dateTime.timeZoneAbbreviation();
+            break;
+        case 'z':
+            out += offsetText(dateTime);
+            break;
+        case '%':
+            out += QLatin1Char('%');
+            break;
         default:
             out += QLatin1Char('%');
             out += conv;

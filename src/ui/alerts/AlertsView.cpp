@@ -1,12 +1,12 @@
 #include "ui/alerts/AlertsView.h"
 
+#include "core/settings/Settings.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
-#include "ui/sources/NodeScheduler.h"
+#include "core/util/GeometryText.h"
 #include "ui/common/FailureLine.h"
 #include "ui/common/FileManager.h"
-#include "core/util/GeometryText.h"
-#include "core/settings/Settings.h"
+#include "ui/sources/NodeScheduler.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,9 +1,9 @@
 #include "ui/log/ActivityLog.h"
 
-#include "core/util/Clock.h"
 #include "core/log/LogEntry.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
+#include "core/util/Clock.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,11 +1,11 @@
 #include "ui/moon/MoonView.h"
 
-#include "ui/moon/MoonImageView.h"
 #include "core/moon/MoonPhaseNames.h"
-#include "ui/moon/MoonPhasePicture.h"
 #include "core/moon/MoonText.h"
-#include "core/util/GeometryText.h"
 #include "core/settings/Settings.h"
+#include "core/util/GeometryText.h"
+#include "ui/moon/MoonImageView.h"
+#include "ui/moon/MoonPhasePicture.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,10 +1,10 @@
 #include "ui/shell/MainToolbar.h"
 
+#include "core/settings/Settings.h"
 #include "core/shell/ToolbarConfiguration.h"
-#include "ui/shell/ToolbarCustomizer.h"
 #include "core/shell/ToolbarItems.h"
 #include "ui/common/NamedImage.h"
-#include "core/settings/Settings.h"
+#include "ui/shell/ToolbarCustomizer.h"
 
 #include <QAction>
 #include <QEvent>

@@ -35,8 +35,8 @@ std::unique_ptr<ImageController> ImageController::create(const QString &path, co
 
 ImageController::ImageController(const QString &path, const QString &name, const QString &URL,
                                  Node *node, GroupView *delegate)
-    : _delegate(delegate), _imageWindow(std::make_unique<ImageWindow>()), _path(path),
-      _name(name), _URL(URL), _node(node)
+    : _delegate(delegate), _imageWindow(std::make_unique<ImageWindow>()), _path(path), _name(name),
+      _URL(URL), _node(node)
 {
     _imageView = _imageWindow->imageView();
     _imageView->setToolTip(tr("Drag to move. Right-click for sizes; Ctrl++ and Ctrl+- zoom."));
@@ -179,8 +179,8 @@ void ImageController::viewAtDefaultSize()
 
 void ImageController::centerWindow()
 {
-    const QScreen *screen = _imageWindow->screen() ? _imageWindow->screen()
-                                                   : QGuiApplication::primaryScreen();
+    const QScreen *screen =
+        _imageWindow->screen() ? _imageWindow->screen() : QGuiApplication::primaryScreen();
     if (!screen)
         return;
     const QRect frame = _imageWindow->frameGeometry();

@@ -12,9 +12,8 @@
 
 QStringList NodeScheduler::rateTitles()
 {
-    return {tr("Every 5 minutes"), tr("Every 10 minutes"), tr("Every 30 minutes"),
-            tr("Every hour"),      tr("Every 2 hours"),    tr("Every 6 hours"),
-            tr("Every 12 hours"),  tr("Every day")};
+    return {tr("Every 5 minutes"), tr("Every 10 minutes"), tr("Every 30 minutes"), tr("Every hour"),
+            tr("Every 2 hours"),   tr("Every 6 hours"),    tr("Every 12 hours"),   tr("Every day")};
 }
 
 NodeScheduler::NodeScheduler(QWidget *parent)
@@ -62,7 +61,8 @@ void NodeScheduler::setMyNode(Node *node)
     _myNode = node;
     if (!node)
         return;
-    _nodeTitleField->setText(QStringLiteral("Scheduled Updating for \"%1\"").arg(node->nodeTitle()));
+    _nodeTitleField->setText(
+        QStringLiteral("Scheduled Updating for \"%1\"").arg(node->nodeTitle()));
     _downloadAtStartupButton->setChecked(node->downloadsAtStartup());
     _autoUpdatesButton->setChecked(node->autoUpdates());
     _autoUpdateTimeMenu->setEnabled(node->autoUpdates());

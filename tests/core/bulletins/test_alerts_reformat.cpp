@@ -43,9 +43,12 @@ private:
     static QString transform(Kind kind, const QString &text)
     {
         switch (kind) {
-        case Daily: return ReportFormatter::munchDailySpaceWeatherReportFromString(text);
-        case Highlights: return ReportFormatter::munchSolarActivityHighlightsFromString(text);
-        case Other: break;
+        case Daily:
+            return ReportFormatter::munchDailySpaceWeatherReportFromString(text);
+        case Highlights:
+            return ReportFormatter::munchSolarActivityHighlightsFromString(text);
+        case Other:
+            break;
         }
         return ReportFormatter::munchOtherReportsFromString(text);
     }
@@ -97,16 +100,46 @@ void TestAlertsReformat::replacementPass_data()
     QTest::addColumn<QString>("replacement");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("every occurrence") << "a-b-c" << "-" << "+" << "a+b+c";
-    QTest::newRow("leftmost first, no overlap") << "aaa" << "aa" << "b" << "ba";
-    QTest::newRow("back to back") << "aaaa" << "aa" << "b" << "bb";
-    QTest::newRow("inserted text not rescanned") << "aab" << "ab" << "b" << "ab";
-    QTest::newRow("replacement holds the search") << "xx" << "x" << "xx" << "xxxx";
-    QTest::newRow("deletion") << "a:b::c:" << ":" << "" << "abc";
-    QTest::newRow("at both ends") << "\nx\n" << "\n" << "|" << "|x|";
-    QTest::newRow("nothing found") << "plain" << "\n#" << "\n" << "plain";
-    QTest::newRow("empty text") << "" << "\n" << " " << "";
-    QTest::newRow("case matters") << "Abc abc" << "a" << "_" << "Abc _bc";
+    QTest::newRow("every occurrence") << "a-b-c"
+                                      << "-"
+                                      << "+"
+                                      << "a+b+c";
+    QTest::newRow("leftmost first, no overlap") << "aaa"
+                                                << "aa"
+                                                << "b"
+                                                << "ba";
+    QTest::newRow("back to back") << "aaaa"
+                                  << "aa"
+                                  << "b"
+                                  << "bb";
+    QTest::newRow("inserted text not rescanned") << "aab"
+                                                 << "ab"
+                                                 << "b"
+                                                 << "ab";
+    QTest::newRow("replacement holds the search") << "xx"
+                                                  << "x"
+                                                  << "xx"
+                                                  << "xxxx";
+    QTest::newRow("deletion") << "a:b::c:"
+                              << ":"
+                              << ""
+                              << "abc";
+    QTest::newRow("at both ends") << "\nx\n"
+                                  << "\n"
+                                  << "|"
+                                  << "|x|";
+    QTest::newRow("nothing found") << "plain"
+                                   << "\n#"
+                                   << "\n"
+                                   << "plain";
+    QTest::newRow("empty text") << ""
+                                << "\n"
+                                << " "
+                                << "";
+    QTest::newRow("case matters") << "Abc abc"
+                                  << "a"
+                                  << "_"
+                                  << "Abc _bc";
     QTest::newRow("surrogate pairs pass through")
         << QString::fromUtf8("\xF0\x9F\x8C\x9E\xC3\xB1") << QString::fromUtf8("\xC3\xB1") << "-"
         << QString::fromUtf8("\xF0\x9F\x8C\x9E-");
@@ -126,31 +159,47 @@ void TestAlertsReformat::dailyReport_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("empty") << "" << "";
-    QTest::newRow("nothing to replace") << "Solar activity was low." << "Solar activity was low.";
-    QTest::newRow("heading after a line break") << "x\nIA. a" << "x\n\n1A. a";
-    QTest::newRow("heading on the first line stays") << "IA. a\nb" << "IA. a\nb";
-    QTest::newRow("heading inside a line stays") << "x IIA. y" << "x IIA. y";
-    QTest::newRow("empty line before gives two") << "x\n\nIIA. y" << "x\n\n\n2A. y";
-    QTest::newRow("every plain numeral")
-        << "\nI.\nII.\nIII.\nIV.\nV.\nVI.\nVII.\nVIII."
-        << "\n\n1.\n\n2.\n\n3.\n\n4.\n\n5.\n\n6.\n\n7.\n\n8.";
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("nothing to replace") << "Solar activity was low."
+                                        << "Solar activity was low.";
+    QTest::newRow("heading after a line break") << "x\nIA. a"
+                                                << "x\n\n1A. a";
+    QTest::newRow("heading on the first line stays") << "IA. a\nb"
+                                                     << "IA. a\nb";
+    QTest::newRow("heading inside a line stays") << "x IIA. y"
+                                                 << "x IIA. y";
+    QTest::newRow("empty line before gives two") << "x\n\nIIA. y"
+                                                 << "x\n\n\n2A. y";
+    QTest::newRow("every plain numeral") << "\nI.\nII.\nIII.\nIV.\nV.\nVI.\nVII.\nVIII."
+                                         << "\n\n1.\n\n2.\n\n3.\n\n4.\n\n5.\n\n6.\n\n7.\n\n8.";
     QTest::newRow("numerals with letters")
         << "\nIB.\nIC.\nID.\nIIB.\nIIC.\nIID.\nIIIA.\nIIIB.\nIIIC.\nIIID.\nIVA.\nIVB.\nIVC.\nIVD."
         << "\n\n1B.\n\n1C.\n\n1D.\n\n2B.\n\n2C.\n\n2D.\n\n3A.\n\n3B.\n\n3C.\n\n3D.\n\n4A.\n\n4B."
            "\n\n4C.\n\n4D.";
-    QTest::newRow("no full stop, no heading") << "\nIA \nII\nVIIII." << "\nIA \nII\nVIIII.";
-    QTest::newRow("letter beyond D") << "\nIE.\nVA." << "\nIE.\nVA.";
-    QTest::newRow("labels anywhere")
-        << "x :Product: Report\n:Issued: 2025" << "x Report\nIssued: 2025";
-    QTest::newRow("label on the first line") << ":Product: Report" << "Report";
-    QTest::newRow("comment lines") << "a\n# one\n#\n#two" << "a\none\n\ntwo";
-    QTest::newRow("comment on the first line stays") << "# first\n# second" << "# first\nsecond";
-    QTest::newRow("double hash loses one") << "a\n##b" << "a\n#b";
-    QTest::newRow("two markers in a row") << "a\n# # b" << "a\n b";
-    QTest::newRow("n with tilde is a dash") << QString::fromUtf8("5\xC3\xB1" "7") << "5-7";
-    QTest::newRow("tabs and carriage returns stay") << "a\tb\rc" << "a\tb\rc";
-    QTest::newRow("CR LF heading") << "x\r\nIIIA. y\r\n# c" << "x\r\n\n3A. y\r\nc";
+    QTest::newRow("no full stop, no heading") << "\nIA \nII\nVIIII."
+                                              << "\nIA \nII\nVIIII.";
+    QTest::newRow("letter beyond D") << "\nIE.\nVA."
+                                     << "\nIE.\nVA.";
+    QTest::newRow("labels anywhere") << "x :Product: Report\n:Issued: 2025"
+                                     << "x Report\nIssued: 2025";
+    QTest::newRow("label on the first line") << ":Product: Report"
+                                             << "Report";
+    QTest::newRow("comment lines") << "a\n# one\n#\n#two"
+                                   << "a\none\n\ntwo";
+    QTest::newRow("comment on the first line stays") << "# first\n# second"
+                                                     << "# first\nsecond";
+    QTest::newRow("double hash loses one") << "a\n##b"
+                                           << "a\n#b";
+    QTest::newRow("two markers in a row") << "a\n# # b"
+                                          << "a\n b";
+    QTest::newRow("n with tilde is a dash") << QString::fromUtf8("5\xC3\xB1"
+                                                                 "7")
+                                            << "5-7";
+    QTest::newRow("tabs and carriage returns stay") << "a\tb\rc"
+                                                    << "a\tb\rc";
+    QTest::newRow("CR LF heading") << "x\r\nIIIA. y\r\n# c"
+                                   << "x\r\n\n3A. y\r\nc";
 }
 
 void TestAlertsReformat::dailyReport()
@@ -165,24 +214,40 @@ void TestAlertsReformat::highlights_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("empty") << "" << "";
-    QTest::newRow("nothing to replace") << "one line only" << "one line only";
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("nothing to replace") << "one line only"
+                                        << "one line only";
     QTest::newRow("header, comment and paragraphs")
         << ":Product: Weekly\n:Issued: 2025 Dec\n# Prepared\nLine one\nline two\n\nPara two"
         << "Weekly Issued: 2025 Dec\nPrepared Line one line two\n\nPara two";
-    QTest::newRow("lines of one paragraph join") << "a\nb\nc" << "a b c";
-    QTest::newRow("three line breaks") << "a\n\n\nb" << "a\n\n b";
-    QTest::newRow("four line breaks") << "a\n\n\n\nb" << "a\n\n\n\nb";
-    QTest::newRow("colon lines keep their break") << "a\n: b\n:c" << "a\nb\nc";
-    QTest::newRow("hash lines keep their break") << "a\n# b\n#c" << "a\nb\nc";
-    QTest::newRow("double hash loses one") << "a\n##b" << "a\n#b";
-    QTest::newRow("two markers in a row") << "a\n# # b" << "a\n# b";
-    QTest::newRow("first line markers stay") << "# a\nb" << "# a b";
-    QTest::newRow("issue line joins the line before") << "Title\n:Issued: now" << "Title Issued: now";
-    QTest::newRow("tab in the input") << "a\tb" << "a\nb";
-    QTest::newRow("carriage return in the input") << "a\rb" << "a\n\nb";
-    QTest::newRow("CR LF file") << "one\r\ntwo\r\nthree" << "one\n\n two\n\n three";
-    QTest::newRow("n with tilde is a dash") << QString::fromUtf8("\n# 15\xC3\xB1" "21") << "\n15-21";
+    QTest::newRow("lines of one paragraph join") << "a\nb\nc"
+                                                 << "a b c";
+    QTest::newRow("three line breaks") << "a\n\n\nb"
+                                       << "a\n\n b";
+    QTest::newRow("four line breaks") << "a\n\n\n\nb"
+                                      << "a\n\n\n\nb";
+    QTest::newRow("colon lines keep their break") << "a\n: b\n:c"
+                                                  << "a\nb\nc";
+    QTest::newRow("hash lines keep their break") << "a\n# b\n#c"
+                                                 << "a\nb\nc";
+    QTest::newRow("double hash loses one") << "a\n##b"
+                                           << "a\n#b";
+    QTest::newRow("two markers in a row") << "a\n# # b"
+                                          << "a\n# b";
+    QTest::newRow("first line markers stay") << "# a\nb"
+                                             << "# a b";
+    QTest::newRow("issue line joins the line before") << "Title\n:Issued: now"
+                                                      << "Title Issued: now";
+    QTest::newRow("tab in the input") << "a\tb"
+                                      << "a\nb";
+    QTest::newRow("carriage return in the input") << "a\rb"
+                                                  << "a\n\nb";
+    QTest::newRow("CR LF file") << "one\r\ntwo\r\nthree"
+                                << "one\n\n two\n\n three";
+    QTest::newRow("n with tilde is a dash") << QString::fromUtf8("\n# 15\xC3\xB1"
+                                                                 "21")
+                                            << "\n15-21";
 }
 
 void TestAlertsReformat::highlights()
@@ -197,17 +262,26 @@ void TestAlertsReformat::otherReports_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("empty") << "" << "";
-    QTest::newRow("nothing to replace") << "Solar flux 124" << "Solar flux 124";
-    QTest::newRow("header and comments")
-        << ":Product: Forecast\n:Issued: 2025\n# c\n#\nbody" << "Forecast\nIssued: 2025\nc\n\nbody";
-    QTest::newRow("label inside a line") << "x :Product: y" << "x y";
-    QTest::newRow("comment on the first line stays") << "#x\n#y" << "#x\ny";
-    QTest::newRow("double hash loses one") << "a\n##b" << "a\n#b";
-    QTest::newRow("two markers in a row") << "a\n# # b" << "a\n b";
-    QTest::newRow("headings untouched") << "a\nIA. b\nII. c" << "a\nIA. b\nII. c";
-    QTest::newRow("line breaks untouched") << "a\n\n\n\nb" << "a\n\n\n\nb";
-    QTest::newRow("tabs and carriage returns stay") << "a\tb\r\n# c" << "a\tb\r\nc";
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("nothing to replace") << "Solar flux 124"
+                                        << "Solar flux 124";
+    QTest::newRow("header and comments") << ":Product: Forecast\n:Issued: 2025\n# c\n#\nbody"
+                                         << "Forecast\nIssued: 2025\nc\n\nbody";
+    QTest::newRow("label inside a line") << "x :Product: y"
+                                         << "x y";
+    QTest::newRow("comment on the first line stays") << "#x\n#y"
+                                                     << "#x\ny";
+    QTest::newRow("double hash loses one") << "a\n##b"
+                                           << "a\n#b";
+    QTest::newRow("two markers in a row") << "a\n# # b"
+                                          << "a\n b";
+    QTest::newRow("headings untouched") << "a\nIA. b\nII. c"
+                                        << "a\nIA. b\nII. c";
+    QTest::newRow("line breaks untouched") << "a\n\n\n\nb"
+                                           << "a\n\n\n\nb";
+    QTest::newRow("tabs and carriage returns stay") << "a\tb\r\n# c"
+                                                    << "a\tb\r\nc";
     QTest::newRow("n with tilde is a dash") << QString::fromUtf8("\xC3\xB1\xC3\xB1") << "--";
     // Only the precomposed letter: a decomposed one is a real letter of a Unicode file.
     QTest::newRow("decomposed n with tilde stays")
@@ -251,7 +325,10 @@ void TestAlertsReformat::decoding_data()
 
     QTest::newRow("ASCII") << QByteArray("Kp 5\n") << "Kp 5\n";
     QTest::newRow("empty") << QByteArray() << "";
-    QTest::newRow("0x96 is n with tilde") << QByteArray("15\x96" "21") << QString::fromUtf8("15\xC3\xB1" "21");
+    QTest::newRow("0x96 is n with tilde") << QByteArray("15\x96"
+                                                        "21")
+                                          << QString::fromUtf8("15\xC3\xB1"
+                                                               "21");
     QTest::newRow("first high byte") << QByteArray("\x80") << QString::fromUtf8("\xC3\x84");
     QTest::newRow("bullet") << QByteArray("\xA5") << QString::fromUtf8("\xE2\x80\xA2");
     QTest::newRow("en dash") << QByteArray("\xD0") << QString::fromUtf8("\xE2\x80\x93");
@@ -259,16 +336,17 @@ void TestAlertsReformat::decoding_data()
     QTest::newRow("no-break space") << QByteArray("\xCA") << QString(QChar(0x00A0));
     QTest::newRow("Apple logo") << QByteArray("\xF0") << QString(QChar(0xF8FF));
     QTest::newRow("last high byte") << QByteArray("\xFF") << QString::fromUtf8("\xCB\x87");
-    QTest::newRow("UTF-16 big-endian")
-        << QByteArray("\xFE\xFF\x00\x41\x00\xF1\x20\x13", 8) << QString::fromUtf8("A\xC3\xB1\xE2\x80\x93");
-    QTest::newRow("UTF-16 little-endian")
-        << QByteArray("\xFF\xFE\x41\x00\xF1\x00\x13\x20", 8) << QString::fromUtf8("A\xC3\xB1\xE2\x80\x93");
+    QTest::newRow("UTF-16 big-endian") << QByteArray("\xFE\xFF\x00\x41\x00\xF1\x20\x13", 8)
+                                       << QString::fromUtf8("A\xC3\xB1\xE2\x80\x93");
+    QTest::newRow("UTF-16 little-endian") << QByteArray("\xFF\xFE\x41\x00\xF1\x00\x13\x20", 8)
+                                          << QString::fromUtf8("A\xC3\xB1\xE2\x80\x93");
     QTest::newRow("mark only") << QByteArray("\xFF\xFE") << "";
     QTest::newRow("second mark is text")
         << QByteArray("\xFF\xFE\xFF\xFE\x41\x00", 6) << QString(QChar(0xFEFF)) + QLatin1Char('A');
     QTest::newRow("odd last byte") << QByteArray("\xFE\xFF\x00\x41\x00", 5)
                                    << QStringLiteral("A") + QChar(QChar::ReplacementCharacter);
-    QTest::newRow("half a mark is Mac OS Roman") << QByteArray("\xFE") << QString::fromUtf8("\xCB\x9B");
+    QTest::newRow("half a mark is Mac OS Roman")
+        << QByteArray("\xFE") << QString::fromUtf8("\xCB\x9B");
     QTest::newRow("UTF-8 mark is Mac OS Roman")
         << QByteArray("\xEF\xBB\xBFx") << QString::fromUtf8("\xC3\x94\xC2\xAA\xC3\xB8x");
 }
@@ -301,11 +379,11 @@ void TestAlertsReformat::reportFromFile_data()
     QTest::addColumn<bool>("shown");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("dash byte of a daily report")
-        << QByteArray(":Product: R\n:Issued: d\nIA. 1\x96" "2") << "RSGA.txt" << true
-        << "R\nIssued: d\n\n1A. 1-2";
-    QTest::newRow("UTF-16 highlights") << utf16WithMark(QStringLiteral("a\nb\n\nc"), false)
-                                       << "WKHF.txt" << true << "a b\n\nc";
+    QTest::newRow("dash byte of a daily report") << QByteArray(":Product: R\n:Issued: d\nIA. 1\x96"
+                                                               "2")
+                                                 << "RSGA.txt" << true << "R\nIssued: d\n\n1A. 1-2";
+    QTest::newRow("UTF-16 highlights")
+        << utf16WithMark(QStringLiteral("a\nb\n\nc"), false) << "WKHF.txt" << true << "a b\n\nc";
     QTest::newRow("CR LF other report shown with plain line breaks")
         << QByteArray("a\r\n# b\r\nc\rd") << "wwv.txt" << true << "a\nb\nc\nd";
     QTest::newRow("zero bytes") << QByteArray() << "RSGA.txt" << false << "";

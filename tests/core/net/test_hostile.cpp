@@ -128,8 +128,8 @@ private:
     }
     std::unique_ptr<Node> make(const QString &url, NodeDelegate *delegate)
     {
-        return Node::create(TestEnvironment::nodeDict(QStringLiteral("kept.bin"), QStringLiteral("Kept"),
-                                                      url, QString()),
+        return Node::create(TestEnvironment::nodeDict(QStringLiteral("kept.bin"),
+                                                      QStringLiteral("Kept"), url, QString()),
                             delegate, _folder, false);
     }
     void writeGoodCopy()

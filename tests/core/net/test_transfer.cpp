@@ -39,9 +39,9 @@ private:
     std::unique_ptr<Node> make(const QByteArray &path, NodeDelegate *delegate,
                                bool overrideMismatch = false)
     {
-        QVariantMap dict = TestEnvironment::nodeDict(QStringLiteral("data.bin"),
-                                                     QStringLiteral("Probe"), _server->baseUrl(),
-                                                     QString::fromLatin1(path));
+        QVariantMap dict =
+            TestEnvironment::nodeDict(QStringLiteral("data.bin"), QStringLiteral("Probe"),
+                                      _server->baseUrl(), QString::fromLatin1(path));
         return Node::create(dict, delegate, _folder, overrideMismatch);
     }
     // Runs the node's transfer to its end (or until the wait runs out).
@@ -88,8 +88,8 @@ void TestTransfer::progressInChunks()
     QCOMPARE(delegate.events,
              QStringList({"status .|Connecting...", "status ...|Connected...",
                           "status 33%|33% Complete...", "status 66%|66% Complete...",
-                          "status 100%|100% Complete...",
-                          "status " + Node::checkMark() + "|", "loaded downloading=1"}));
+                          "status 100%|100% Complete...", "status " + Node::checkMark() + "|",
+                          "loaded downloading=1"}));
     QCOMPARE(fileContents(), script.chunks.join());
     QCOMPARE(node->lastUpdateDate(), QDateTime(QDate(2026, 9, 9), QTime(9, 9)));
     QVERIFY(delegate.failures.isEmpty());
@@ -153,8 +153,8 @@ void TestTransfer::failuresKeepTheOldFile_data()
     s = {};
     s.stallAfterHeaders = true;
     s.declaredLength = 10;
-    QTest::newRow("stalled past the time-out") << s << prefix + "The request timed out. %1"
-                                               << false;
+    QTest::newRow("stalled past the time-out")
+        << s << prefix + "The request timed out. %1" << false;
 
     s = {};
     s.stallForever = true;
@@ -187,7 +187,8 @@ void TestTransfer::failuresKeepTheOldFile()
     else if (!failure.isEmpty())
         QCOMPARE(delegate.failures.first(), failure);
     else
-        QVERIFY(delegate.failures.first().startsWith(QStringLiteral("Download of \"Probe\" Failed: ")));
+        QVERIFY(
+            delegate.failures.first().startsWith(QStringLiteral("Download of \"Probe\" Failed: ")));
     QCOMPARE(fileContents(), QByteArray("the last good copy"));
     QCOMPARE(node->itemStatus(), QStringLiteral("Err"));
     QCOMPARE(node->longStatus(), QStringLiteral("Error, please see Activity Window for details"));
@@ -195,8 +196,8 @@ void TestTransfer::failuresKeepTheOldFile()
     QVERIFY(!node->isDownloading());
 
     // The three checks at the end set the status first; a transport error reports first.
-    const qsizetype err = delegate.events.indexOf(
-        "status Err|Error, please see Activity Window for details");
+    const qsizetype err =
+        delegate.events.indexOf("status Err|Error, please see Activity Window for details");
     const qsizetype failed = delegate.events.indexOf("failed downloading=1");
     QVERIFY(err >= 0 && failed >= 0);
     QCOMPARE(err < failed, statusFirst);
@@ -265,9 +266,10 @@ void TestTransfer::onlyHttpAndHttps()
     QFETCH(QString, url);
     TestEnvironment::setNow(QDateTime(QDate(2026, 1, 1), QTime(1, 0)));
     RecordingDelegate delegate;
-    auto node = Node::create(TestEnvironment::nodeDict(QStringLiteral("x.bin"), QStringLiteral("Probe"),
-                                                       url, QStringLiteral("passwd")),
-                             &delegate, _folder, false);
+    auto node =
+        Node::create(TestEnvironment::nodeDict(QStringLiteral("x.bin"), QStringLiteral("Probe"),
+                                               url, QStringLiteral("passwd")),
+                     &delegate, _folder, false);
     TestEnvironment::advance(60);
     node->beginDownloadingData();
     // It fails at once, before the start returns, and the attempt counts as the last update.

@@ -1,7 +1,7 @@
 #include "TestEnvironment.h"
 
-#include "core/shell/AppCore.h"
 #include "core/settings/Preferences.h"
+#include "core/shell/AppCore.h"
 
 #include <QDir>
 #include <QFile>
@@ -80,16 +80,16 @@ void TestPreferences::unreadableValues_data()
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<QVariant>("expected");
     QTest::newRow("lastView text") << "lastView" << QVariant("Moon") << QVariant(0);
-    QTest::newRow("lastView huge") << "lastView" << QVariant("1e12")
-                                   << QVariant(std::numeric_limits<int>::max());
+    QTest::newRow("lastView huge")
+        << "lastView" << QVariant("1e12") << QVariant(std::numeric_limits<int>::max());
     QTest::newRow("lastView negative") << "lastView" << QVariant(-7) << QVariant(-7);
     QTest::newRow("isOnline garbage") << "isOnline" << QVariant("yes") << QVariant(false);
     QTest::newRow("isOnline 2") << "isOnline" << QVariant(2) << QVariant(true);
     QTest::newRow("timeout garbage") << "timeoutSeconds" << QVariant("soon") << QVariant(0.0f);
     QTest::newRow("timeout negative") << "timeoutSeconds" << QVariant("-5") << QVariant(-5.0f);
     QTest::newRow("timeout not finite") << "timeoutSeconds" << QVariant("inf") << QVariant(0.0f);
-    QTest::newRow("missing data list") << "downloadMissingData" << QVariant(QStringList{"a"})
-                                       << QVariant(false);
+    QTest::newRow("missing data list")
+        << "downloadMissingData" << QVariant(QStringList{"a"}) << QVariant(false);
 }
 
 void TestPreferences::unreadableValues()

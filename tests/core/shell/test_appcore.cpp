@@ -2,13 +2,13 @@
 #include "TestEnvironment.h"
 #include "TestHttpServer.h"
 
-#include "core/shell/AppCore.h"
 #include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
+#include "core/shell/AppCore.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -45,7 +45,8 @@ private:
                 QStringLiteral("ftp://127.0.0.1/"), QStringLiteral("x"));
             Node *node = nullptr;
             if (auto *domains = qobject_cast<DomainGroup *>(group))
-                node = domains->addNodeToDomain(domains->createNewDomain(QStringLiteral("D")), dict);
+                node =
+                    domains->addNodeToDomain(domains->createNewDomain(QStringLiteral("D")), dict);
             else
                 node = static_cast<FlatGroup *>(group)->addNewNodeWithDict(dict);
             node->setAutoUpdates(autoUpdates);
@@ -58,9 +59,10 @@ private:
         QList<Node *> nodes;
         for (NodeGroup *group : _core->groupsInViewOrder()) {
             for (int i = 0; i < 2; ++i) {
-                const QVariantMap dict = TestEnvironment::nodeDict(
-                    group->groupName() + QString::number(i), group->groupName() + QString::number(i),
-                    _server->baseUrl(), QStringLiteral("stall"));
+                const QVariantMap dict =
+                    TestEnvironment::nodeDict(group->groupName() + QString::number(i),
+                                              group->groupName() + QString::number(i),
+                                              _server->baseUrl(), QStringLiteral("stall"));
                 if (auto *domains = qobject_cast<DomainGroup *>(group)) {
                     if (domains->domains().isEmpty())
                         domains->createNewDomain(QStringLiteral("D"));
@@ -119,7 +121,8 @@ void TestAppCore::commandOrder_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QStringList>("order");
     const QStringList commandOrder{"Sun", "Aurora", "Graphs", "Earth", "Alerts"};
-    QTest::newRow("update all") << "update" << QStringList{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
+    QTest::newRow("update all") << "update"
+                                << QStringList{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
     QTest::newRow("start-up downloads") << "startup" << commandOrder;
     QTest::newRow("scheduled updates") << "scheduled" << commandOrder;
 }
@@ -198,8 +201,8 @@ void TestAppCore::oneTimerAtMost()
     QVERIFY(!first || !first->isActive() || first == current);
     QTest::qWait(0); // let replaced timers go
     const auto timers = _core->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
-    const auto active = std::count_if(timers.cbegin(), timers.cend(),
-                                      [](QTimer *t) { return t->isActive(); });
+    const auto active =
+        std::count_if(timers.cbegin(), timers.cend(), [](QTimer *t) { return t->isActive(); });
     QCOMPARE(active, 1);
     _core->stopScheduler();
     _core->stopScheduler();
@@ -211,9 +214,9 @@ void TestAppCore::timerTicksQueueDueNodes()
     const QDateTime start(QDate(2026, 6, 1), QTime(12, 0));
     TestEnvironment::setNow(start);
     const QList<Node *> nodes = addStalledNodes();
-    Node *sunFast = nodes[0];     // Sun0: every 5 minutes
-    Node *alertsSlow = nodes[8];  // Alerts0: every hour
-    Node *off = nodes[2];         // Graphs0: not automatic
+    Node *sunFast = nodes[0];    // Sun0: every 5 minutes
+    Node *alertsSlow = nodes[8]; // Alerts0: every hour
+    Node *off = nodes[2];        // Graphs0: not automatic
     sunFast->setAutoUpdates(true);
     sunFast->setAutoUpdateRate(0);
     alertsSlow->setAutoUpdates(true);
@@ -290,11 +293,11 @@ void TestAppCore::staleTemporaryFilesRemoved()
         bool old;
         bool removed;
     } files[] = {
-        {"RSGA.txt.Ab12Cd", true, true},    // what a killed write leaves
-        {"RSGA.txt.Zz99zz", false, false},  // a write that may still be running
-        {"Other.txt.Ab12Cd", true, false},  // not one of our nodes
-        {"RSGA.txt.Ab12Cde", true, false},  // not the temporary pattern
-        {"RSGA.txt", true, false},          // the data file itself
+        {"RSGA.txt.Ab12Cd", true, true},   // what a killed write leaves
+        {"RSGA.txt.Zz99zz", false, false}, // a write that may still be running
+        {"Other.txt.Ab12Cd", true, false}, // not one of our nodes
+        {"RSGA.txt.Ab12Cde", true, false}, // not the temporary pattern
+        {"RSGA.txt", true, false},         // the data file itself
         {"notes.txt", true, false},
     };
     for (const auto &f : files) {

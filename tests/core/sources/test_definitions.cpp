@@ -1,14 +1,14 @@
 #include "RecordingLog.h"
 #include "TestEnvironment.h"
 
-#include "core/util/ResourceLocator.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/GroupOutlineModel.h"
-#include "core/sources/PropertyList.h"
-#include "core/util/SplitLayout.h"
 #include "core/sources/Node.h"
+#include "core/sources/PropertyList.h"
+#include "core/util/ResourceLocator.h"
+#include "core/util/SplitLayout.h"
 
 #include <QDir>
 #include <QFile>
@@ -87,8 +87,8 @@ void TestDefinitions::domainProbing_data()
     QTest::addColumn<QStringList>("nodes");
     QTest::addColumn<QStringList>("reports"); // entries the console names, with the reason
 
-    const QVariantMap three{{"DomainName", "D"}, {"Node0", node("a")}, {"Node1", node("b")},
-                            {"Node2", node("c")}};
+    const QVariantMap three{
+        {"DomainName", "D"}, {"Node0", node("a")}, {"Node1", node("b")}, {"Node2", node("c")}};
     QTest::newRow("name and three nodes") << QVariantMap{{"Domain0", three}} << QStringList{"D"}
                                           << QStringList{"a", "b", "c"} << QStringList{};
     QTest::newRow("Node1 only: only index 0 is probed")
@@ -104,7 +104,9 @@ void TestDefinitions::domainProbing_data()
                        "Domain2: never read, only Domain0 to Domain1 are read here"};
     QTest::newRow("extra keys widen the probe")
         << QVariantMap{{"Comment", "x"},
-                       {"Domain0", QVariantMap{{"DomainName", "A"}, {"Extra", 1}, {"Node0", node("a")},
+                       {"Domain0", QVariantMap{{"DomainName", "A"},
+                                               {"Extra", 1},
+                                               {"Node0", node("a")},
                                                {"Node1", node("b")}}},
                        {"Domain1", QVariantMap{{"DomainName", "B"}, {"Node0", node("z")}}}}
         << QStringList{"A", "B"} << QStringList{"a", "b", "z"} << QStringList{};
@@ -117,7 +119,8 @@ void TestDefinitions::domainProbing_data()
                        {"Domain1", QVariantMap{{"DomainName", "B"}, {"Node0", node("b")}}}}
         << QStringList{"B"} << QStringList{"b"} << QStringList{"Domain0: not a dictionary"};
     QTest::newRow("a node numbered with a leading zero")
-        << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "D"}, {"Node0", node("a")},
+        << QVariantMap{{"Domain0", QVariantMap{{"DomainName", "D"},
+                                               {"Node0", node("a")},
                                                {"Node01", node("b")}}}}
         << QStringList{"D"} << QStringList{"a"}
         << QStringList{"Domain0/Node01: never read, only Node0 to Node1 are read here"};
@@ -149,7 +152,8 @@ void TestDefinitions::flatProbing_data()
     QTest::addColumn<QVariantMap>("root");
     QTest::addColumn<QStringList>("nodes");
     QTest::addColumn<QStringList>("reports");
-    QTest::newRow("three") << QVariantMap{{"Node0", node("a")}, {"Node1", node("b")},
+    QTest::newRow("three") << QVariantMap{{"Node0", node("a")},
+                                          {"Node1", node("b")},
                                           {"Node2", node("c")}}
                            << QStringList{"a", "b", "c"} << QStringList{};
     QTest::newRow("Node0 and Node2: index 2 not probed")
@@ -180,7 +184,8 @@ void TestDefinitions::flatProbing()
 
 void TestDefinitions::binaryAndXmlAlike()
 {
-    const QVariantMap root{{"Domain0", QVariantMap{{"DomainName", "Bin"}, {"Node0", node("b.png")}}}};
+    const QVariantMap root{
+        {"Domain0", QVariantMap{{"DomainName", "Bin"}, {"Node0", node("b.png")}}}};
     for (bool binary : {false, true}) {
         const QString path = install(QStringLiteral("DataEarth.plist"), root, binary);
         QFile file(path);
@@ -240,13 +245,15 @@ void TestDefinitions::unreadableFiles()
     // The bundled file: nothing stands in for it, and the console says so.
     ResourceLocator::setDefinitionsFolder(QString());
     ResourceLocator::setResourceFolder(folder);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     DomainGroup group;
     QVERIFY(!group.loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
                                           QStringLiteral("DataGraphs.plist"), _data));
     QVERIFY(group.domains().isEmpty());
 
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     FlatGroup flat;
     QVERIFY(!flat.loadDictionaryData(QStringLiteral("DataGraphs.plist"), _data));
     QCOMPARE(flat.nodeCount(), 0);
@@ -256,23 +263,22 @@ void TestDefinitions::badEntriesSkipped()
 {
     QVariantMap noUrl = node("nourl.png");
     noUrl.remove(QStringLiteral("URL"));
-    const QVariantMap root{
-        {"Domain0", QVariantMap{{"DomainName", "Mixed"},
-                                {"Node0", node("good1.png")},
-                                {"Node1", noUrl},
-                                {"Node2", node("../escape.png")},
-                                {"Node3", "not a dictionary"},
-                                {"Node4", node("good2.png")}}}};
+    const QVariantMap root{{"Domain0", QVariantMap{{"DomainName", "Mixed"},
+                                                   {"Node0", node("good1.png")},
+                                                   {"Node1", noUrl},
+                                                   {"Node2", node("../escape.png")},
+                                                   {"Node3", "not a dictionary"},
+                                                   {"Node4", node("good2.png")}}}};
     install(QStringLiteral("DataSun.plist"), root);
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
-                                                           "Sun.*Domain0/Node1.*URL")));
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
-                                                           "Sun.*Domain0/Node2.*DestFileName")));
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
-                                                           "Sun.*Domain0/Node3: not a dictionary")));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
+                                                        "Sun.*Domain0/Node1.*URL")));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
+                                                        "Sun.*Domain0/Node2.*DestFileName")));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
+                                                        "Sun.*Domain0/Node3: not a dictionary")));
     DomainGroup group;
     QVERIFY(group.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
                                          _data));
@@ -374,7 +380,8 @@ void TestDefinitions::flatSelection()
 void TestDefinitions::outlineModel()
 {
     install(QStringLiteral("DataSun.plist"),
-            {{"Domain0", QVariantMap{{"DomainName", "A"}, {"Node0", node("a1")}, {"Node1", node("a2")}}},
+            {{"Domain0",
+              QVariantMap{{"DomainName", "A"}, {"Node0", node("a1")}, {"Node1", node("a2")}}},
              {"Domain1", QVariantMap{{"DomainName", "Empty"}}}});
     DomainGroup group;
     group.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"), _data);
@@ -415,9 +422,8 @@ void TestDefinitions::splitRestore_data()
     QTest::newRow("zero rect, side by side: no width at its place")
         << QStringList{"{{0, 0}, {250, 500}}", "{{0, 0}, {0, 0}}"} << true
         << QList<QRect>{QRect(0, 0, 250, 500), QRect(204, 0, 0, 500)};
-    QTest::newRow("zero rect, stacked: no height")
-        << QStringList{"{{0, 0}, {0, 0}}"} << false
-        << QList<QRect>{QRect(0, 0, 200, 0), current[1]};
+    QTest::newRow("zero rect, stacked: no height") << QStringList{"{{0, 0}, {0, 0}}"} << false
+                                                   << QList<QRect>{QRect(0, 0, 200, 0), current[1]};
     QTest::newRow("nothing stored") << QStringList{} << true << current;
 }
 

@@ -2,13 +2,13 @@
 #include "TestEnvironment.h"
 #include "TestHttpServer.h"
 
-#include "core/shell/AppCore.h"
 #include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
+#include "core/shell/AppCore.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
 #include "core/util/Clock.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -52,9 +52,8 @@ void TestLongRun::aWeekOfUpdates()
     server.setFailEvery(10);
 
     // Ten nodes per group; the rate indexes are spread so that every rate is present.
-    const int rates[] = {0, 1, 2, 3, 3, 4, 4, 5, 6, 7, 3, 2, 4, 5, 5, 6, 6, 7, 7, 3,
-                         1, 4, 3, 4, 5, 6, 7, 2, 3, 4, 3, 5, 4, 4, 5, 6, 6, 7, 2, 3,
-                         7, 2, 3, 4, 5, 5, 6, 7, 3, 4};
+    const int rates[] = {0, 1, 2, 3, 3, 4, 4, 5, 6, 7, 3, 2, 4, 5, 5, 6, 6, 7, 7, 3, 1, 4, 3, 4, 5,
+                         6, 7, 2, 3, 4, 3, 5, 4, 4, 5, 6, 6, 7, 2, 3, 7, 2, 3, 4, 5, 5, 6, 7, 3, 4};
     const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
     QSettings settings;
     int index = 0;
@@ -63,8 +62,9 @@ void TestLongRun::aWeekOfUpdates()
         QVariantMap nodes;
         for (int i = 0; i < 10; ++i, ++index) {
             const QString dest = QStringLiteral("%1-%2.bin").arg(group).arg(i);
-            nodes.insert(QStringLiteral("Node%1").arg(i),
-                         TestEnvironment::nodeDict(dest, dest, server.baseUrl(), QStringLiteral("item")));
+            nodes.insert(
+                QStringLiteral("Node%1").arg(i),
+                TestEnvironment::nodeDict(dest, dest, server.baseUrl(), QStringLiteral("item")));
             settings.setValue(Node::autoUpdateKey(dest), 1);
             settings.setValue(Node::autoUpdateRateKey(dest), rates[index]);
         }

@@ -60,11 +60,14 @@ void TestNode::sourceAddress_data()
     QTest::addColumn<QString>("url");
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("base with slash") << "https://example.org/data/" << "image.gif"
+    QTest::newRow("base with slash") << "https://example.org/data/"
+                                     << "image.gif"
                                      << "https://example.org/data/image.gif";
-    QTest::newRow("joined without a separator") << "https://example.org/data" << "image.gif"
+    QTest::newRow("joined without a separator") << "https://example.org/data"
+                                                << "image.gif"
                                                 << "https://example.org/dataimage.gif";
-    QTest::newRow("empty file name") << "https://example.org/latest.jpg" << ""
+    QTest::newRow("empty file name") << "https://example.org/latest.jpg"
+                                     << ""
                                      << "https://example.org/latest.jpg";
 }
 
@@ -149,8 +152,8 @@ void TestNode::definitionProblems_data()
     QTest::addColumn<bool>("accepted");
     QTest::newRow("complete") << "" << QVariant(QStringLiteral("ok.jpg")) << true;
     QTest::newRow("no URL") << "URL" << QVariant(QStringLiteral("ok.jpg")) << false;
-    QTest::newRow("no SourceFileName") << "SourceFileName" << QVariant(QStringLiteral("ok.jpg"))
-                                       << false;
+    QTest::newRow("no SourceFileName")
+        << "SourceFileName" << QVariant(QStringLiteral("ok.jpg")) << false;
     QTest::newRow("no DestFileName") << "DestFileName" << QVariant() << false;
     QTest::newRow("empty name") << "" << QVariant(QString()) << false;
     QTest::newRow("dot dot") << "" << QVariant(QStringLiteral("..")) << false;
@@ -196,7 +199,8 @@ void TestNode::initialStatusWithoutCallback_data()
     QTest::addColumn<QString>("shortStatus");
     QTest::addColumn<QString>("longStatus");
     QTest::newRow("data file present") << true << QString(QChar(0x221A)) << "";
-    QTest::newRow("no data file") << false << "!" << "Press \"Reload\" to begin";
+    QTest::newRow("no data file") << false << "!"
+                                  << "Press \"Reload\" to begin";
 }
 
 void TestNode::initialStatusWithoutCallback()
@@ -223,8 +227,7 @@ void TestNode::statusPairAndCallbacks()
     auto node = make(TestEnvironment::nodeDict(QStringLiteral("n.jpg")), &delegate);
     node->setStatusMessage(QStringLiteral("-"), QStringLiteral("Queued..."));
     node->setStatusMessage(QStringLiteral("Err"), QStringLiteral("Error"));
-    QCOMPARE(delegate.events,
-             QStringList({"status -|Queued...", "status Err|Error"}));
+    QCOMPARE(delegate.events, QStringList({"status -|Queued...", "status Err|Error"}));
 
     // Without a delegate nothing is sent and nothing breaks.
     auto lonely = make(TestEnvironment::nodeDict(QStringLiteral("m.jpg")));

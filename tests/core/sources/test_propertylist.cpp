@@ -1,10 +1,10 @@
 #include "TestEnvironment.h"
 
-#include "core/util/ResourceLocator.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
-#include "core/sources/PropertyList.h"
 #include "core/sources/Node.h"
+#include "core/sources/PropertyList.h"
+#include "core/util/ResourceLocator.h"
 
 #include <QDir>
 #include <QFile>
@@ -96,8 +96,7 @@ QByteArray xmlDictionary(const QByteArray &body)
 const QString kNul(QChar(0));
 
 // The bytes of a literal, NUL characters and all (but not the one that ends it).
-template <qsizetype N>
-QByteArray bytesOf(const char (&literal)[N])
+template <qsizetype N> QByteArray bytesOf(const char (&literal)[N])
 {
     return QByteArray(literal, N - 1);
 }
@@ -122,25 +121,29 @@ void TestPropertyList::nulCharacters_data()
         << xmlDictionary(bytesOf("<key>a</key><string>x\0y</string>")) << true << "a"
         << (QStringLiteral("x") + kNul + QStringLiteral("y"));
     QTest::newRow("XML, NUL byte in CDATA")
-        << xmlDictionary(bytesOf("<key>a</key><string><![CDATA[x\0y]]></string>")) << true
-        << "a" << (QStringLiteral("x") + kNul + QStringLiteral("y"));
-    QTest::newRow("binary, UTF-16 text") << binaryDictionary({{QStringLiteral("Clé"), QStringLiteral("ñ-y")}})
-                                         << true << QStringLiteral("Clé") << QStringLiteral("ñ-y");
+        << xmlDictionary(bytesOf("<key>a</key><string><![CDATA[x\0y]]></string>")) << true << "a"
+        << (QStringLiteral("x") + kNul + QStringLiteral("y"));
+    QTest::newRow("binary, UTF-16 text")
+        << binaryDictionary({{QStringLiteral("Clé"), QStringLiteral("ñ-y")}}) << true
+        << QStringLiteral("Clé") << QStringLiteral("ñ-y");
     QTest::newRow("binary, long UTF-16 text")
         << binaryDictionary({{QStringLiteral("a"), longText + QStringLiteral("é")}}) << true << "a"
         << (longText + QStringLiteral("é"));
     QTest::newRow("binary, NUL in a UTF-16 value")
-        << binaryDictionary({{QStringLiteral("a"), QStringLiteral("é") + kNul + QStringLiteral("y")}})
+        << binaryDictionary(
+               {{QStringLiteral("a"), QStringLiteral("é") + kNul + QStringLiteral("y")}})
         << false << QString() << QString();
     QTest::newRow("binary, NUL in a UTF-16 key")
-        << binaryDictionary({{QStringLiteral("é") + kNul + QStringLiteral("b"), QStringLiteral("x")}})
+        << binaryDictionary(
+               {{QStringLiteral("é") + kNul + QStringLiteral("b"), QStringLiteral("x")}})
         << false << QString() << QString();
     // Wherever the NUL falls in a long string, whatever the string's place in the file.
     for (const int at : {0, 1, 30, 31, 32, 33, 63, 64, 99}) {
         QString text = QString(100, QLatin1Char('a')) + QStringLiteral("é");
         text[at] = QChar(0);
         QTest::addRow("binary, NUL at %d of 101", at)
-            << binaryDictionary({{QStringLiteral("k"), QStringLiteral("v")}, {QStringLiteral("a"), text}})
+            << binaryDictionary(
+                   {{QStringLiteral("k"), QStringLiteral("v")}, {QStringLiteral("a"), text}})
             << false << QString() << QString();
     }
     QTest::newRow("binary, NUL at the end of a long UTF-16 value")
@@ -176,8 +179,11 @@ void TestPropertyList::definitionWithNulBytes()
     const auto node = [](const QByteArray &dest, const QByteArray &title) {
         return "<dict><key>URL</key><string>http://127.0.0.1/</string>"
                "<key>SourceFileName</key><string>a.gif</string>"
-               "<key>DestFileName</key><string>" + dest + "</string>"
-               "<key>NodeTitle</key><string>" + title + "</string></dict>";
+               "<key>DestFileName</key><string>" +
+               dest +
+               "</string>"
+               "<key>NodeTitle</key><string>" +
+               title + "</string></dict>";
     };
     const QByteArray file = xmlDictionary("<key>Node0</key>" + node(bytesOf("bad\0.txt"), "Bad") +
                                           "<key>Node1</key>" + node("good.txt", bytesOf("Good\0")));
@@ -188,9 +194,9 @@ void TestPropertyList::definitionWithNulBytes()
     out.close();
     ResourceLocator::setDefinitionsFolder(folder);
 
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
-                                                           "Node0.*DestFileName")));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(QStringLiteral("Cannot allocate resources for new Node!.*"
+                                                        "Node0.*DestFileName")));
     FlatGroup alerts;
     QVERIFY(alerts.loadDictionaryData(QStringLiteral("DataAlerts.plist"), _data));
     QCOMPARE(alerts.nodeCount(), 1);
@@ -227,7 +233,8 @@ void TestPropertyList::fuzzerReproducers()
     QVERIFY(QFile::copy(path, QDir(folder).filePath(QStringLiteral("DataSun.plist"))));
     ResourceLocator::setResourceFolder(folder); // as the bundled file, which nothing replaces
     if (!dictionary)
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
     DomainGroup sun;
     QCOMPARE(sun.loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
                                         _data),

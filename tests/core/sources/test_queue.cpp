@@ -43,21 +43,18 @@ private slots:
 private:
     Node *addNode(const QString &name, const QByteArray &path)
     {
-        return _group->addNodeToDomain(_domain, TestEnvironment::nodeDict(
-                                                    name + QStringLiteral(".bin"), name,
-                                                    _server->baseUrl(), QString::fromLatin1(path)));
+        return _group->addNodeToDomain(
+            _domain, TestEnvironment::nodeDict(name + QStringLiteral(".bin"), name,
+                                               _server->baseUrl(), QString::fromLatin1(path)));
     }
     Node *addBroken(const QString &name)
     {
-        return _group->addNodeToDomain(_domain, TestEnvironment::nodeDict(
-                                                    name + QStringLiteral(".bin"), name,
-                                                    QStringLiteral("ftp://127.0.0.1/"),
-                                                    QStringLiteral("x")));
+        return _group->addNodeToDomain(
+            _domain,
+            TestEnvironment::nodeDict(name + QStringLiteral(".bin"), name,
+                                      QStringLiteral("ftp://127.0.0.1/"), QStringLiteral("x")));
     }
-    void stallRoute(const QByteArray &path)
-    {
-        _server->stall(path);
-    }
+    void stallRoute(const QByteArray &path) { _server->stall(path); }
     QStringList queueNames() const
     {
         QStringList names;
@@ -252,10 +249,12 @@ void TestQueue::domainRefresh()
 {
     addNode(QStringLiteral("A"), "stall");
     Domain *other = _group->createNewDomain(QStringLiteral("Other"));
-    _group->addNodeToDomain(other, TestEnvironment::nodeDict(QStringLiteral("o1"), QStringLiteral("O1"),
-                                                             _server->baseUrl(), QStringLiteral("stall")));
-    _group->addNodeToDomain(other, TestEnvironment::nodeDict(QStringLiteral("o2"), QStringLiteral("O2"),
-                                                             _server->baseUrl(), QStringLiteral("stall")));
+    _group->addNodeToDomain(other,
+                            TestEnvironment::nodeDict(QStringLiteral("o1"), QStringLiteral("O1"),
+                                                      _server->baseUrl(), QStringLiteral("stall")));
+    _group->addNodeToDomain(other,
+                            TestEnvironment::nodeDict(QStringLiteral("o2"), QStringLiteral("O2"),
+                                                      _server->baseUrl(), QStringLiteral("stall")));
     _group->refreshSelectedDomainNodes(); // nothing selected
     QVERIFY(_group->downloadQueue().isEmpty());
     _group->setSelectedDomain(other);
@@ -268,8 +267,9 @@ void TestQueue::cancelAllLeavesOtherViews()
     DomainGroup otherGroup;
     otherGroup.setGroup(QStringLiteral("Earth"), 3, _data);
     Domain *d = otherGroup.createNewDomain(QStringLiteral("E"));
-    Node *e = otherGroup.addNodeToDomain(d, TestEnvironment::nodeDict(QStringLiteral("e"), QStringLiteral("E"),
-                                                                      _server->baseUrl(), QStringLiteral("stall")));
+    Node *e = otherGroup.addNodeToDomain(
+        d, TestEnvironment::nodeDict(QStringLiteral("e"), QStringLiteral("E"), _server->baseUrl(),
+                                     QStringLiteral("stall")));
     otherGroup.addNodeToDownloadQueue(e);
     Node *a = addNode(QStringLiteral("A"), "stall");
     Node *b = addNode(QStringLiteral("B"), "stall");
@@ -357,10 +357,12 @@ void TestQueue::missingData()
 void TestQueue::alertsQueueStatus()
 {
     FlatGroup alerts;
-    Node *first = alerts.addNewNodeWithDict(TestEnvironment::nodeDict(
-        QStringLiteral("RSGA.txt"), QStringLiteral("R"), _server->baseUrl(), QStringLiteral("stall")));
-    Node *second = alerts.addNewNodeWithDict(TestEnvironment::nodeDict(
-        QStringLiteral("WKHF.txt"), QStringLiteral("W"), _server->baseUrl(), QStringLiteral("stall")));
+    Node *first = alerts.addNewNodeWithDict(
+        TestEnvironment::nodeDict(QStringLiteral("RSGA.txt"), QStringLiteral("R"),
+                                  _server->baseUrl(), QStringLiteral("stall")));
+    Node *second = alerts.addNewNodeWithDict(
+        TestEnvironment::nodeDict(QStringLiteral("WKHF.txt"), QStringLiteral("W"),
+                                  _server->baseUrl(), QStringLiteral("stall")));
     alerts.selectNodeAtIndex(1);
     alerts.refreshDailyWeatherNode();
     QVERIFY(first->isDownloading());

@@ -1,9 +1,9 @@
 #include "TestEnvironment.h"
 
+#include "core/log/LogEntry.h"
 #include "core/sources/UpdateTimeText.h"
 #include "core/util/CalendarFormat.h"
 #include "core/util/GeometryText.h"
-#include "core/log/LogEntry.h"
 
 #include <QLocale>
 #include <QtTest>
@@ -38,15 +38,22 @@ void TestSupport::calendarFormat_data()
     const QDateTime noon(QDate(2006, 3, 14), QTime(12, 0));
     QTest::newRow("long last update") << evening << "%A, %b %d %Y at %I:%M %p"
                                       << "Monday, Nov 16 2026 at 05:57 PM";
-    QTest::newRow("long next update") << evening << "%m/%d at %I:%M %p" << "11/16 at 05:57 PM";
-    QTest::newRow("short") << evening << "%m/%d @ %I:%M%p" << "11/16 @ 05:57PM";
+    QTest::newRow("long next update") << evening << "%m/%d at %I:%M %p"
+                                      << "11/16 at 05:57 PM";
+    QTest::newRow("short") << evening << "%m/%d @ %I:%M%p"
+                           << "11/16 @ 05:57PM";
     QTest::newRow("log stamp, midnight is 12 AM") << midnight << "%Y/%m/%d %I:%M%p"
                                                   << "2006/03/04 12:05AM";
-    QTest::newRow("noon is 12 PM") << noon << "%I:%M %p" << "12:00 PM";
-    QTest::newRow("moon date") << midnight << "%B %d, %Y %I:%M %p" << "March 04, 2006 12:05 AM";
-    QTest::newRow("seconds, day of year, 24 h") << evening << "%H:%M:%S %j" << "17:57:09 320";
-    QTest::newRow("percent and unknown") << evening << "100%% %Q" << "100% %Q";
-    QTest::newRow("trailing percent") << evening << "a%" << "a%";
+    QTest::newRow("noon is 12 PM") << noon << "%I:%M %p"
+                                   << "12:00 PM";
+    QTest::newRow("moon date") << midnight << "%B %d, %Y %I:%M %p"
+                               << "March 04, 2006 12:05 AM";
+    QTest::newRow("seconds, day of year, 24 h") << evening << "%H:%M:%S %j"
+                                                << "17:57:09 320";
+    QTest::newRow("percent and unknown") << evening << "100%% %Q"
+                                         << "100% %Q";
+    QTest::newRow("trailing percent") << evening << "a%"
+                                      << "a%";
 }
 
 void TestSupport::calendarFormat()
@@ -74,9 +81,12 @@ void TestSupport::logEntry_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("plain") << "Download of \"AIA 193\" Successful"
                            << "[2006/03/14 09:05PM] Download of \"AIA 193\" Successful";
-    QTest::newRow("empty message keeps the blank") << "" << "[2006/03/14 09:05PM] ";
-    QTest::newRow("line feeds pass through") << "a\nb" << "[2006/03/14 09:05PM] a\nb";
-    QTest::newRow("placeholders are not expanded") << "%1 %@ %d" << "[2006/03/14 09:05PM] %1 %@ %d";
+    QTest::newRow("empty message keeps the blank") << ""
+                                                   << "[2006/03/14 09:05PM] ";
+    QTest::newRow("line feeds pass through") << "a\nb"
+                                             << "[2006/03/14 09:05PM] a\nb";
+    QTest::newRow("placeholders are not expanded") << "%1 %@ %d"
+                                                   << "[2006/03/14 09:05PM] %1 %@ %d";
 }
 
 void TestSupport::logEntry()

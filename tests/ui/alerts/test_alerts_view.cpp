@@ -2,13 +2,13 @@
 #include "TestEnvironment.h"
 #include "TestHttpServer.h"
 
-#include "ui/alerts/AlertsView.h"
 #include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
-#include "ui/sources/NodeScheduler.h"
+#include "core/util/ResourceLocator.h"
+#include "ui/alerts/AlertsView.h"
 #include "ui/common/FailureLine.h"
+#include "ui/sources/NodeScheduler.h"
 
 #include <QApplication>
 #include <QCheckBox>

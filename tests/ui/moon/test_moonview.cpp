@@ -1,9 +1,9 @@
 #include "TestEnvironment.h"
 
+#include "core/moon/MoonText.h"
 #include "core/util/ResourceLocator.h"
 #include "ui/moon/MoonImageView.h"
 #include "ui/moon/MoonPhasePicture.h"
-#include "core/moon/MoonText.h"
 #include "ui/moon/MoonView.h"
 
 #include <QApplication>

@@ -1,19 +1,19 @@
 #include "TestEnvironment.h"
 
-#include "ui/alerts/AlertsView.h"
-#include "ui/shell/AppController.h"
-#include "core/shell/AppCore.h"
-#include "ui/shell/MainToolbar.h"
-#include "ui/shell/MainWindow.h"
 #include "core/settings/Preferences.h"
+#include "core/shell/AppCore.h"
 #include "core/shell/ToolbarItems.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
-#include "ui/sources/GroupView.h"
-#include "ui/moon/MoonView.h"
 #include "core/sources/Node.h"
-#include "ui/sources/NodeScheduler.h"
+#include "ui/alerts/AlertsView.h"
 #include "ui/log/ActivityLog.h"
+#include "ui/moon/MoonView.h"
+#include "ui/shell/AppController.h"
+#include "ui/shell/MainToolbar.h"
+#include "ui/shell/MainWindow.h"
+#include "ui/sources/GroupView.h"
+#include "ui/sources/NodeScheduler.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -63,13 +63,30 @@ void TestBadSettings::startsAndBehaves_data()
 void TestBadSettings::startsAndBehaves()
 {
     QFETCH(QVariant, garbage);
-    const QStringList keys = {
-        "lastView", "isOnline", "logErrorsOnly", "beepOnErrors", "downloadMissingData",
-        "timeoutSeconds", "southernHemisphere", "MainWindow", "ActivityLogWindow",
-        "SunViewSize", "GraphsViewSize", "AuroraViewSize", "EarthViewSize",
-        "SunViewSplitViewRects", "GraphsViewSplitViewRects", "AuroraViewSplitViewRects",
-        "EarthViewSplitViewRects", "SDO Expanded", "SOHO Expanded", "Sun LastNodeViewed",
-        "AlertsViewSize", "lastAlertMenuIndex", "MoonViewSize", "toolbar"};
+    const QStringList keys = {"lastView",
+                              "isOnline",
+                              "logErrorsOnly",
+                              "beepOnErrors",
+                              "downloadMissingData",
+                              "timeoutSeconds",
+                              "southernHemisphere",
+                              "MainWindow",
+                              "ActivityLogWindow",
+                              "SunViewSize",
+                              "GraphsViewSize",
+                              "AuroraViewSize",
+                              "EarthViewSize",
+                              "SunViewSplitViewRects",
+                              "GraphsViewSplitViewRects",
+                              "AuroraViewSplitViewRects",
+                              "EarthViewSplitViewRects",
+                              "SDO Expanded",
+                              "SOHO Expanded",
+                              "Sun LastNodeViewed",
+                              "AlertsViewSize",
+                              "lastAlertMenuIndex",
+                              "MoonViewSize",
+                              "toolbar"};
     QSettings settings;
     for (const QString &key : keys)
         settings.setValue(key, garbage);

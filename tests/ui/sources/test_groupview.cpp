@@ -3,20 +3,20 @@
 #include "UrlCatcher.h"
 
 #include "core/settings/Preferences.h"
-#include "core/util/ResourceLocator.h"
-#include "core/util/DescriptionText.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/GroupOutlineModel.h"
+#include "core/sources/Node.h"
+#include "core/util/DescriptionText.h"
+#include "core/util/ImageScaling.h"
+#include "core/util/ResourceLocator.h"
+#include "ui/common/FailureLine.h"
+#include "ui/log/ActivityLog.h"
 #include "ui/sources/GroupView.h"
 #include "ui/sources/ImageCanvas.h"
 #include "ui/sources/ImageController.h"
-#include "core/util/ImageScaling.h"
 #include "ui/sources/ImageWindow.h"
 #include "ui/sources/ScaledImage.h"
-#include "core/sources/Node.h"
-#include "ui/log/ActivityLog.h"
-#include "ui/common/FailureLine.h"
 
 #include <QApplication>
 #include <QDesktopServices>

@@ -2,12 +2,12 @@
 
 #include "core/shell/ToolbarItems.h"
 
-#include "core/util/DescriptionText.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
-#include "core/sources/PropertyList.h"
 #include "core/sources/Node.h"
+#include "core/sources/PropertyList.h"
+#include "core/util/DescriptionText.h"
 #include "ui/common/NamedImage.h"
 
 #include <QApplication>

@@ -1,14 +1,12 @@
 #include "BuildInfo.h"
+#include "cli/Command.h"
 #include "cli/CommandLine.h"
 #include "core/settings/Preferences.h"
 #include "core/util/SignalQuitter.h"
 #include "ui/shell/AppController.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QTimer>
-
-#include <cstdio>
 
 namespace {
 
@@ -33,24 +31,10 @@ int runWindow(int argc, char **argv)
     setApplicationNames();
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.Vantorel"));
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(CommandLine::applicationDescription());
-    CommandLine::addSharedOptions(parser);
-    if (!parser.parse(app.arguments()) || !parser.positionalArguments().isEmpty()) {
-        const QString error = parser.errorText().isEmpty()
-                                  ? QStringLiteral("unknown command \"%1\"")
-                                        .arg(parser.positionalArguments().constFirst())
-                                  : parser.errorText();
-        std::fprintf(stderr, "vantorel: %s\n", qPrintable(error));
-        return CommandLine::UsageError;
-    }
-    QString error;
-    const auto options = CommandLine::readSharedOptions(parser, &error);
-    if (!options) {
-        std::fprintf(stderr, "vantorel: %s\n", qPrintable(error));
-        return CommandLine::UsageError;
-    }
-    CommandLine::applyDefinitionsFolder(*options);
+    const std::optional<SharedOptions> options = CommandLine::windowOptions(app.arguments());
+    if (!options)
+        return Command::UsageError;
+    options->applyDefinitionsFolder();
 
     // Closing the main window quits; an open log or panel must not keep the process alive.
     QApplication::setQuitOnLastWindowClosed(false);

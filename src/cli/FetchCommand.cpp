@@ -1,6 +1,5 @@
 #include "cli/FetchCommand.h"
 
-#include "cli/CommandLine.h"
 #include "core/log/ConsoleLogSink.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
@@ -12,9 +11,8 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QSettings>
 
-#include <cstdio>
+#include <algorithm>
 
 namespace {
 
@@ -47,41 +45,23 @@ bool allQueuesEmpty(const QList<NodeGroup *> &groups)
     return true;
 }
 
-int usageError(const QString &message)
-{
-    std::fprintf(stderr, "vantorel fetch: %s\nTry \"vantorel fetch --help\".\n",
-                 qPrintable(message));
-    return CommandLine::UsageError;
-}
-
 } // namespace
 
-int FetchCommand::run(const QStringList &arguments)
+QString FetchCommand::description() const
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Downloads every item of the named groups once and exits: 0 when all "
-                       "succeeded, 1 when any failed, 2 for a usage error.\n"
-                       "Groups: Sun, Graphs, Aurora, Earth, Alerts (all when none is named)."));
-    parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    CommandLine::addSharedOptions(parser);
+    return QStringLiteral("Downloads every item of the named groups once and exits: 0 when all "
+                          "succeeded, 1 when any failed, 2 for a usage error.\n"
+                          "Groups: Sun, Graphs, Aurora, Earth, Alerts (all when none is named).");
+}
+
+void FetchCommand::addOptions(QCommandLineParser &parser)
+{
     parser.addPositionalArgument(QStringLiteral("groups"), QStringLiteral("Groups to fetch."),
                                  QStringLiteral("[GROUP...]"));
+}
 
-    if (!parser.parse(QStringList{QStringLiteral("vantorel fetch")} + arguments))
-        return usageError(parser.errorText());
-    if (CommandLine::printCommandHelp(parser, QStringLiteral("fetch")))
-        return CommandLine::Success;
-    if (parser.isSet(version)) {
-        std::fputs(qPrintable(CommandLine::versionText()), stdout);
-        return CommandLine::Success;
-    }
-    QString error;
-    const auto options = CommandLine::readSharedOptions(parser, &error);
-    if (!options)
-        return usageError(error);
-
+int FetchCommand::execute(const QCommandLineParser &parser, const SharedOptions &options)
+{
     QStringList wanted;
     for (const QString &argument : parser.positionalArguments()) {
         const auto match =
@@ -96,15 +76,13 @@ int FetchCommand::run(const QStringList &arguments)
     if (wanted.isEmpty())
         wanted = groupNames();
 
-    CommandLine::applyDefinitionsFolder(*options);
-    {
-        Preferences::shared().loadPreferences(Settings::store());
-    }
-    if (options->timeoutSeconds)
-        Preferences::shared().setTimeoutOverride(*options->timeoutSeconds);
+    options.applyDefinitionsFolder();
+    Preferences::shared().loadPreferences(Settings::store());
+    if (options.timeoutSeconds)
+        Preferences::shared().setTimeoutOverride(*options.timeoutSeconds);
 
     AppCore core;
-    core.setDataFolderOverride(options->dataFolder);
+    core.setDataFolderOverride(options.dataFolder);
     core.prepareDataFolder();
     ConsoleLogSink log;
     core.setLog(&log);
@@ -141,5 +119,5 @@ int FetchCommand::run(const QStringList &arguments)
         core.cancelAllDownloads();
     core.cleanupGroups();
     Settings::sync();
-    return (log.errorCount() > 0 || interrupted) ? CommandLine::Failure : CommandLine::Success;
+    return (log.errorCount() > 0 || interrupted) ? Failure : Success;
 }

@@ -1,34 +1,16 @@
 #include "cli/MoonCommand.h"
 
-#include "cli/CommandLine.h"
 #include "core/moon/MoonCalc.h"
 #include "core/moon/MoonPhaseNames.h"
 #include "core/moon/MoonText.h"
 #include "core/util/Clock.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
 
-#include <cstdio>
-
 namespace {
-
-void print(FILE *stream, const QString &text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-    std::fflush(stream);
-}
-
-int usageError(const QString &message)
-{
-    print(stderr,
-          QStringLiteral("vantorel moon: %1\nTry \"vantorel moon --help\".\n").arg(message));
-    return CommandLine::UsageError;
-}
 
 QJsonArray phaseArray(const MoonCalc::PhaseArray &phases)
 {
@@ -126,56 +108,51 @@ QJsonObject MoonCommand::toJson(const MoonCalc &calc)
     };
 }
 
-int MoonCommand::run(const QStringList &arguments)
+QString MoonCommand::description() const
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
+    return QStringLiteral(
         "Describes the Moon for one date: its phase, illumination, distance and age, and the next "
         "full and new moon. Needs no network and no display.\n"
         "DATE is local time (the TZ variable applies): YYYY-MM-DD, YYYY-MM-DDTHH:MM or "
-        "YYYY-MM-DDTHH:MM:SS."));
-    parser.addHelpOption();
-    const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption dateOption(
-        QStringLiteral("date"), QStringLiteral("Describe <DATE> instead of the present moment."),
-        QStringLiteral("DATE"));
-    const QCommandLineOption southernOption(
-        QStringLiteral("southern"),
-        QStringLiteral("Show the phase as seen from the southern hemisphere."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Print every computed value as one JSON object."));
-    parser.addOptions({dateOption, southernOption, jsonOption});
+        "YYYY-MM-DDTHH:MM:SS.");
+}
 
-    if (!parser.parse(QStringList{QStringLiteral("vantorel moon")} + arguments))
-        return usageError(parser.errorText());
-    if (CommandLine::printCommandHelp(parser, QStringLiteral("moon")))
-        return CommandLine::Success;
-    if (parser.isSet(version)) {
-        print(stdout, CommandLine::versionText());
-        return CommandLine::Success;
-    }
+void MoonCommand::addOptions(QCommandLineParser &parser)
+{
+    parser.addOptions({
+        {QStringLiteral("date"), QStringLiteral("Describe <DATE> instead of the present moment."),
+         QStringLiteral("DATE")},
+        {QStringLiteral("southern"),
+         QStringLiteral("Show the phase as seen from the southern hemisphere.")},
+        {QStringLiteral("json"), QStringLiteral("Print every computed value as one JSON object.")},
+    });
+}
+
+int MoonCommand::execute(const QCommandLineParser &parser, const SharedOptions &)
+{
     if (!parser.positionalArguments().isEmpty()) {
         return usageError(
             QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
     }
 
     QDateTime date = Clock::now().toTimeZone(MoonCalc::defaultTimeZone());
-    if (parser.isSet(dateOption)) {
+    if (parser.isSet(QStringLiteral("date"))) {
         QString error;
-        const std::optional<QDateTime> parsed = parseDate(parser.value(dateOption), &error);
+        const std::optional<QDateTime> parsed =
+            parseDate(parser.value(QStringLiteral("date")), &error);
         if (!parsed)
             return usageError(QStringLiteral("--date: ") + error);
         date = *parsed;
     }
 
     MoonCalc calc;
-    calc.setDisplayForSouthernHemisphere(parser.isSet(southernOption));
+    calc.setDisplayForSouthernHemisphere(parser.isSet(QStringLiteral("southern")));
     calc.setDate(date);
 
-    if (parser.isSet(jsonOption)) {
+    if (parser.isSet(QStringLiteral("json"))) {
         print(stdout,
               QString::fromUtf8(QJsonDocument(toJson(calc)).toJson(QJsonDocument::Indented)));
-        return CommandLine::Success;
+        return Success;
     }
 
     QStringList lines = MoonText::lines(calc);
@@ -185,5 +162,5 @@ int MoonCommand::run(const QStringList &arguments)
     else
         qWarning("phaseNamesDict failed to load");
     print(stdout, lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
-    return CommandLine::Success;
+    return Success;
 }

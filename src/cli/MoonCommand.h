@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/Command.h"
+
 #include <QDateTime>
 #include <QJsonObject>
 #include <QString>
@@ -13,10 +15,10 @@ class MoonCalc;
 // present moment unless DATE is given) without a display. Plain output is the Moon view's seven
 // lines and the phase name; --json prints every computed value as one JSON object. Exit code 0,
 // or 2 for a usage error such as a date that cannot be read.
-class MoonCommand {
+class MoonCommand : public Command {
 public:
-    // The arguments after the command word; a QCoreApplication must exist.
-    static int run(const QStringList &arguments);
+    QString name() const override { return QStringLiteral("moon"); }
+    QString summary() const override { return QStringLiteral("describe the Moon"); }
 
     // A local date and time in the user's time zone from "YYYY-MM-DD", "YYYY-MM-DDTHH:MM" or
     // "YYYY-MM-DDTHH:MM:SS"; none, with the reason, when the text is not one of those or names no
@@ -25,4 +27,9 @@ public:
     // "2008-01-01T00:00:00+00:00": to the second, with the date's offset from universal time.
     static QString isoDate(const QDateTime &date);
     static QJsonObject toJson(const MoonCalc &calc);
+
+protected:
+    QString description() const override;
+    void addOptions(QCommandLineParser &parser) override;
+    int execute(const QCommandLineParser &parser, const SharedOptions &options) override;
 };

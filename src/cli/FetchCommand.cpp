@@ -5,9 +5,9 @@
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
 #include "core/shell/AppCore.h"
-#include "core/sources/DomainGroup.h"
-#include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeGroup.h"
 #include "core/util/SignalQuitter.h"
 
 #include <QCommandLineParser>
@@ -20,22 +20,8 @@ namespace {
 
 const QStringList &groupNames()
 {
-    static const QStringList names = {QStringLiteral("Sun"), QStringLiteral("Graphs"),
-                                      QStringLiteral("Aurora"), QStringLiteral("Earth"),
-                                      QStringLiteral("Alerts")};
+    static const QStringList names = GroupCatalogue::dataGroupNames();
     return names;
-}
-
-void loadGroup(AppCore &core, const QString &name)
-{
-    const QString folder = core.dataFolderPath();
-    if (name == QLatin1String("Alerts")) {
-        core.alertsGroup()->loadDictionaryData(QStringLiteral("DataAlerts.plist"), folder);
-        return;
-    }
-    const int number = int(groupNames().indexOf(name));
-    auto *group = static_cast<DomainGroup *>(core.groupsInViewOrder().at(number));
-    group->loadDomainDataForGroup(name, number, QStringLiteral("Data%1.plist").arg(name), folder);
 }
 
 bool allQueuesEmpty(const QList<NodeGroup *> &groups)
@@ -62,7 +48,8 @@ int FetchCommand::run(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Downloads every item of the named groups once and exits: 0 when all "
                        "succeeded, 1 when any failed, 2 for a usage error.\n"
-                       "Groups: Sun, Graphs, Aurora, Earth, Alerts (all when none is named)."));
+                       "Groups: %1 (all when none is named).")
+            .arg(groupNames().join(QStringLiteral(", "))));
     parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     CommandLine::addSharedOptions(parser);
@@ -113,8 +100,9 @@ int FetchCommand::run(const QStringList &arguments)
     for (const QString &name : groupNames()) {
         if (!wanted.contains(name))
             continue;
-        loadGroup(core, name);
-        groups.append(core.groupNamed(name));
+        NodeGroup *group = core.groupNamed(name);
+        core.loadGroup(group);
+        groups.append(group);
     }
 
     core.removeStaleTemporaryFiles();
@@ -131,7 +119,7 @@ int FetchCommand::run(const QStringList &arguments)
         QObject::connect(group, &NodeGroup::nodeDownloadFailed, &core, finishIfDone);
     }
 
-    // Every queue starts its head at once; five groups run side by side.
+    // Every queue starts its head at once; the groups run side by side.
     for (NodeGroup *group : groups)
         group->refreshAllNodeData();
     if (!allQueuesEmpty(groups))

@@ -4,9 +4,9 @@
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
 #include "core/shell/AppCore.h"
-#include "core/sources/DomainGroup.h"
-#include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeGroup.h"
 #include "core/util/SignalQuitter.h"
 
 #include <QCommandLineParser>
@@ -18,22 +18,8 @@ namespace {
 
 const QStringList &groupNames()
 {
-    static const QStringList names = {QStringLiteral("Sun"), QStringLiteral("Graphs"),
-                                      QStringLiteral("Aurora"), QStringLiteral("Earth"),
-                                      QStringLiteral("Alerts")};
+    static const QStringList names = GroupCatalogue::dataGroupNames();
     return names;
-}
-
-void loadGroup(AppCore &core, const QString &name)
-{
-    const QString folder = core.dataFolderPath();
-    if (name == QLatin1String("Alerts")) {
-        core.alertsGroup()->loadDictionaryData(QStringLiteral("DataAlerts.plist"), folder);
-        return;
-    }
-    const int number = int(groupNames().indexOf(name));
-    auto *group = static_cast<DomainGroup *>(core.groupsInViewOrder().at(number));
-    group->loadDomainDataForGroup(name, number, QStringLiteral("Data%1.plist").arg(name), folder);
 }
 
 bool allQueuesEmpty(const QList<NodeGroup *> &groups)
@@ -51,7 +37,8 @@ QString FetchCommand::description() const
 {
     return QStringLiteral("Downloads every item of the named groups once and exits: 0 when all "
                           "succeeded, 1 when any failed, 2 for a usage error.\n"
-                          "Groups: Sun, Graphs, Aurora, Earth, Alerts (all when none is named).");
+                          "Groups: %1 (all when none is named).")
+        .arg(groupNames().join(QStringLiteral(", ")));
 }
 
 void FetchCommand::addOptions(QCommandLineParser &parser)
@@ -91,8 +78,9 @@ int FetchCommand::execute(const QCommandLineParser &parser, const SharedOptions 
     for (const QString &name : groupNames()) {
         if (!wanted.contains(name))
             continue;
-        loadGroup(core, name);
-        groups.append(core.groupNamed(name));
+        NodeGroup *group = core.groupNamed(name);
+        core.loadGroup(group);
+        groups.append(group);
     }
 
     core.removeStaleTemporaryFiles();

@@ -3,6 +3,7 @@
 #include "core/bulletins/BulletinFile.h"
 #include "core/shell/AppCore.h"
 #include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 
 #include <QCommandLineParser>
@@ -80,11 +81,12 @@ int ReportCommand::execute(const QCommandLineParser &parser, const SharedOptions
 
     options.applyDefinitionsFolder();
     FlatGroup group;
-    const bool loaded =
-        group.loadDictionaryData(QStringLiteral("DataAlerts.plist"), dataFolder(options));
+    const QString definitionFile = GroupCatalogue::group(group.groupNumber())->definitionFile;
+    const bool loaded = group.loadDictionaryData(definitionFile, dataFolder(options));
     if (list) {
         if (!loaded)
-            return failure(QStringLiteral("the list of reports (DataAlerts.plist) cannot be read"));
+            return failure(
+                QStringLiteral("the list of reports (%1) cannot be read").arg(definitionFile));
         return listReports(group);
     }
 

@@ -11,7 +11,7 @@ AtomicFile::AtomicFile(const QString &path) : _path(path) {}
 // The temporary file, unless committed, goes with the QTemporaryFile.
 AtomicFile::~AtomicFile() = default;
 
-void AtomicFile::append(const QByteArray &chunk)
+void AtomicFile::append(QByteArrayView chunk)
 {
     _size += chunk.size();
     if (_failed || chunk.isEmpty())
@@ -30,7 +30,7 @@ void AtomicFile::append(const QByteArray &chunk)
             return;
         }
     }
-    if (_file->write(chunk) != chunk.size())
+    if (_file->write(chunk.data(), chunk.size()) != chunk.size())
         _failed = true;
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 
 #include <memory>
 
-class QByteArray;
 class QTemporaryFile;
 
 // A data file's replacement, written while its bytes arrive and put in place in one step: anyone
@@ -32,7 +32,7 @@ public:
 
     // Adds bytes at the end. A failure to write is remembered for commit(); the bytes still
     // count in size(), which is what the transfer delivered.
-    void append(const QByteArray &chunk);
+    void append(QByteArrayView chunk);
     // Forgets everything appended so far.
     void clear();
     qint64 size() const { return _size; }

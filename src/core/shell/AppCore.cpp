@@ -3,6 +3,7 @@
 #include "core/settings/Preferences.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 
 #include <QDebug>
@@ -14,10 +15,14 @@
 #include <QStandardPaths>
 #include <QTimer>
 
-AppCore::AppCore(QObject *parent)
-    : QObject(parent), _sun(new DomainGroup(this)), _graphs(new DomainGroup(this)),
-      _aurora(new DomainGroup(this)), _earth(new DomainGroup(this)), _alerts(new FlatGroup(this))
+AppCore::AppCore(QObject *parent) : QObject(parent)
 {
+    for (const GroupCatalogue::Group &group : GroupCatalogue::dataGroups()) {
+        if (group.layout == GroupCatalogue::Layout::Domains)
+            _groups.append(new DomainGroup(group.name, group.number, this));
+        else
+            _groups.append(new FlatGroup(group.name, group.number, this));
+    }
 }
 
 AppCore::~AppCore()
@@ -62,36 +67,68 @@ QString AppCore::prepareDataFolder()
     return _dataFolderPath;
 }
 
-QList<NodeGroup *> AppCore::groupsInViewOrder() const
+DomainGroup *AppCore::sunGroup() const
 {
-    return {_sun, _graphs, _aurora, _earth, _alerts};
+    return qobject_cast<DomainGroup *>(groupNumbered(GroupCatalogue::Sun));
+}
+
+DomainGroup *AppCore::graphGroup() const
+{
+    return qobject_cast<DomainGroup *>(groupNumbered(GroupCatalogue::Graphs));
+}
+
+DomainGroup *AppCore::auroraGroup() const
+{
+    return qobject_cast<DomainGroup *>(groupNumbered(GroupCatalogue::Aurora));
+}
+
+DomainGroup *AppCore::earthGroup() const
+{
+    return qobject_cast<DomainGroup *>(groupNumbered(GroupCatalogue::Earth));
+}
+
+FlatGroup *AppCore::alertsGroup() const
+{
+    return qobject_cast<FlatGroup *>(groupNumbered(GroupCatalogue::Alerts));
 }
 
 QList<NodeGroup *> AppCore::groupsInCommandOrder() const
 {
-    return {_sun, _aurora, _graphs, _earth, _alerts};
+    QList<NodeGroup *> result;
+    for (const GroupCatalogue::Group &group : GroupCatalogue::dataGroupsInCommandOrder())
+        result.append(groupNumbered(group.number));
+    return result;
 }
 
 NodeGroup *AppCore::groupNamed(const QString &name) const
 {
-    for (NodeGroup *group : groupsInViewOrder()) {
+    for (NodeGroup *group : _groups) {
         if (group->groupName().compare(name, Qt::CaseInsensitive) == 0)
             return group;
     }
     return nullptr;
 }
 
+NodeGroup *AppCore::groupNumbered(int number) const
+{
+    for (NodeGroup *group : _groups) {
+        if (group->groupNumber() == number)
+            return group;
+    }
+    return nullptr;
+}
+
+bool AppCore::loadGroup(NodeGroup *group)
+{
+    const GroupCatalogue::Group *entry = GroupCatalogue::group(group->groupNumber());
+    group->setDataFolderPath(_dataFolderPath);
+    return entry && group->loadDefinitionFile(entry->definitionFile);
+}
+
 void AppCore::loadAllGroups()
 {
-    _sun->loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
-                                 _dataFolderPath);
-    _graphs->loadDomainDataForGroup(QStringLiteral("Graphs"), 1, QStringLiteral("DataGraphs.plist"),
-                                    _dataFolderPath);
-    _aurora->loadDomainDataForGroup(QStringLiteral("Aurora"), 2, QStringLiteral("DataAurora.plist"),
-                                    _dataFolderPath);
-    _earth->loadDomainDataForGroup(QStringLiteral("Earth"), 3, QStringLiteral("DataEarth.plist"),
-                                   _dataFolderPath);
-    _alerts->loadDictionaryData(QStringLiteral("DataAlerts.plist"), _dataFolderPath);
+    for (NodeGroup *group : _groups)
+        loadGroup(group);
 }
 
 int AppCore::removeStaleTemporaryFiles(int minimumAgeSeconds)
@@ -224,7 +261,6 @@ void AppCore::toggleOnlineStatus()
 
 void AppCore::cleanupGroups()
 {
-    for (DomainGroup *group : {_sun, _graphs, _aurora, _earth})
+    for (NodeGroup *group : _groups)
         group->destroyAllNodes();
-    _alerts->destroyAllNodes();
 }

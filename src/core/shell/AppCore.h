@@ -9,7 +9,7 @@ class LogSink;
 class NodeGroup;
 class QTimer;
 
-// The part of the application that needs no display: the data folder, the five data groups, the
+// The part of the application that needs no display: the data folder, the data groups, the
 // global commands over all of them, the five-second update timer and the online state. The window
 // controller drives it; the headless tools drive the very same object.
 class AppCore : public QObject {
@@ -35,18 +35,24 @@ public:
     void setDataFolderOverride(const QString &path) { _dataFolderOverride = path; }
     QString dataFolderPath() const { return _dataFolderPath; }
 
-    DomainGroup *sunGroup() const { return _sun; }
-    DomainGroup *graphGroup() const { return _graphs; }
-    DomainGroup *auroraGroup() const { return _aurora; }
-    DomainGroup *earthGroup() const { return _earth; }
-    FlatGroup *alertsGroup() const { return _alerts; }
-    // Sun, Graphs, Aurora, Earth, Alerts: the order of "update all".
-    QList<NodeGroup *> groupsInViewOrder() const;
-    // Sun, Aurora, Graphs, Earth, Alerts: the order of every other global command.
+    DomainGroup *sunGroup() const;
+    DomainGroup *graphGroup() const;
+    DomainGroup *auroraGroup() const;
+    DomainGroup *earthGroup() const;
+    FlatGroup *alertsGroup() const;
+    // One group for each data group of the catalogue, named and numbered as it says. In view
+    // order: the order of "update all".
+    QList<NodeGroup *> groupsInViewOrder() const { return _groups; }
+    // The order of every other global command (see GroupCatalogue).
     QList<NodeGroup *> groupsInCommandOrder() const;
+    // Ignoring case; none for an unknown name.
     NodeGroup *groupNamed(const QString &name) const;
+    // None for a number without a data group.
+    NodeGroup *groupNumbered(int number) const;
 
-    // Reads the five definition files into the groups, for a caller without views.
+    // Reads the group's definition file, as the catalogue names it, for the data folder.
+    bool loadGroup(NodeGroup *group);
+    // Reads every group's definition file, for a caller without views.
     void loadAllGroups();
     // Removes what a write cut short by a crash or a kill may have left in the data folder: the
     // temporary twin of a node's data file ("name.XXXXXX"), once it is old enough that no
@@ -86,10 +92,6 @@ private:
 
     QString _dataFolderOverride;
     QString _dataFolderPath;
-    DomainGroup *_sun;
-    DomainGroup *_graphs;
-    DomainGroup *_aurora;
-    DomainGroup *_earth;
-    FlatGroup *_alerts;
+    QList<NodeGroup *> _groups;
     QTimer *_scheduler = nullptr;
 };

@@ -1,20 +1,25 @@
 #include "core/shell/ToolbarItems.h"
 
+#include "core/sources/GroupCatalogue.h"
+
 const QList<ToolbarItems::Item> &ToolbarItems::items()
 {
-    static const QList<Item> table = {
-        {"Sun", "ToolbarSun", "Sun", "Sun"},
-        {"Graphs", "ToolbarGraphs", "Graphs", "Graphs"},
-        {"Aurora", "ToolbarAurora", "Aurora", "Aurora"},
-        {"Earth", "ToolbarEarth", "Earth", "Earth"},
-        {"Alerts", "ToolbarAlerts", "Alerts", "Alerts"},
-        {"Moon", "ToolbarMoon", "Moon", "Moon"},
-        {"Update", "ToolbarUpdate", "Update", "Update All Data"},
-        {"Cancel", "ToolbarCancelAll", "Cancel", "Cancel All Downloads"},
-        {"Online", "ToolbarOnline", "Go Online", "Go Online"},
-        {"Offline", "ToolbarOffline", "Go Offline", "Go Offline"},
-        {"Prefs", "ToolbarPrefs", "Preferences", "Preferences"},
-    };
+    static const QList<Item> table = [] {
+        // First one item per view, in view order, named after it, with the image "Toolbar" and
+        // its name; then the commands.
+        QList<Item> items;
+        for (const GroupCatalogue::Group &group : GroupCatalogue::groups())
+            items.append(
+                {group.name, QStringLiteral("Toolbar") + group.name, group.name, group.name});
+        items.append({
+            {"Update", "ToolbarUpdate", "Update", "Update All Data"},
+            {"Cancel", "ToolbarCancelAll", "Cancel", "Cancel All Downloads"},
+            {"Online", "ToolbarOnline", "Go Online", "Go Online"},
+            {"Offline", "ToolbarOffline", "Go Offline", "Go Offline"},
+            {"Prefs", "ToolbarPrefs", "Preferences", "Preferences"},
+        });
+        return items;
+    }();
     return table;
 }
 
@@ -35,20 +40,23 @@ bool ToolbarItems::isStandard(const QString &identifier)
 
 QStringList ToolbarItems::defaultItemIdentifiers()
 {
-    return {"Sun",          "Graphs", "Aurora",  "Earth",    "Alerts",  "Moon",
-            kFlexibleSpace, "Online", "Offline", kSeparator, kCustomize};
+    return selectableItemIdentifiers() +
+           QStringList{kFlexibleSpace, "Online", "Offline", kSeparator, kCustomize};
 }
 
 QStringList ToolbarItems::allowedItemIdentifiers()
 {
-    return {"Sun",   "Graphs",   "Aurora", "Earth",        "Alerts",
-            "Moon",  "Update",   "Cancel", "Online",       "Offline",
-            "Prefs", kSeparator, kSpace,   kFlexibleSpace, kCustomize};
+    return selectableItemIdentifiers() + QStringList{"Update",  "Cancel",       "Online",
+                                                     "Offline", "Prefs",        kSeparator,
+                                                     kSpace,    kFlexibleSpace, kCustomize};
 }
 
 QStringList ToolbarItems::selectableItemIdentifiers()
 {
-    return {"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon"};
+    QStringList identifiers;
+    for (const GroupCatalogue::Group &group : GroupCatalogue::groups())
+        identifiers.append(group.name);
+    return identifiers;
 }
 
 bool ToolbarItems::isEnabled(const QString &identifier, bool online)

@@ -29,6 +29,7 @@ public:
 
     static QStringList defaultItemIdentifiers();
     static QStringList allowedItemIdentifiers();
+    // The items that show a view, one per view in view order (see GroupCatalogue).
     static QStringList selectableItemIdentifiers();
 
     // "Online" only while offline; "Offline" and "Update" only while online; all others always.
@@ -36,6 +37,6 @@ public:
 
     // The view number an item shows (0 to 5), or -1 for an item that shows no view.
     static int viewNumberForIdentifier(const QString &identifier);
-    // The item marked as selected for a view number; unknown numbers mark "Sun".
+    // The item marked as selected for a view number; unknown numbers mark the first view's.
     static QString identifierForViewNumber(int viewNumber);
 };

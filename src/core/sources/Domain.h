@@ -6,12 +6,10 @@
 #include <QList>
 #include <QString>
 
-#include <memory>
-#include <vector>
-
 class Node;
 
-// A named, ordered list of nodes: one expandable branch of an image group's outline.
+// A named, ordered list of nodes: one expandable branch of an image group's outline. The group
+// owns the nodes; a domain only lists them.
 class Domain : public OutlineItem {
 public:
     Domain();
@@ -19,19 +17,18 @@ public:
 
     void setDomainName(const QString &name);
     QString domainName() const { return _domainName; }
-    // Appends the node; the domain owns it from then on.
-    Node *addNode(std::unique_ptr<Node> node);
+    void addNode(Node *node);
 
     Node *childAtIndex(int index) const override;
     int childrenCount() const;
-    QList<Node *> nodes() const;
+    QList<Node *> nodes() const { return nodes_; }
 
     bool isNode() const override { return false; }
-    bool expandable() const override { return !nodes_.empty(); }
+    bool expandable() const override { return !nodes_.isEmpty(); }
     QString itemName() const override { return _domainName; }
     QString itemStatus() const override { return QString(); }
 
 private:
-    std::vector<std::unique_ptr<Node>> nodes_;
+    QList<Node *> nodes_;
     QString _domainName;
 };

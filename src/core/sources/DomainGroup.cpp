@@ -6,13 +6,12 @@
 
 #include <QSettings>
 
-DomainGroup::DomainGroup(QObject *parent) : NodeGroup(QString(), QStringLiteral("-"), parent) {}
-
-DomainGroup::~DomainGroup()
+DomainGroup::DomainGroup(const QString &groupName, int groupNumber, QObject *parent)
+    : NodeGroup(groupName, groupNumber, QStringLiteral("-"), parent)
 {
-    // Nodes go before the domains' names and lists, with any transfer they still run.
-    _domains.clear();
 }
+
+DomainGroup::~DomainGroup() = default;
 
 bool DomainGroup::loadDomainDataForGroup(const QString &groupName, int groupNumber,
                                          const QString &dictionaryFileName,
@@ -37,36 +36,18 @@ bool DomainGroup::loadDefinitionFile(const QString &dictionaryFileName)
 
     // Indices are probed, not enumerated: Domain0 up to one less than the number of root
     // entries, and within a domain Node0 up to two less than its entries ("DomainName" counts).
-    // What the probe cannot use is reported, never passed over in silence.
-    const QString domainPrefix = QStringLiteral("Domain");
-    const QString nodePrefix = QStringLiteral("Node");
-    const int domainCount = int(root->size());
-    reportNumbering(*root, domainPrefix, domainCount);
-    for (int i = 0; i < domainCount; ++i) {
-        const QString domainKey = domainPrefix + QString::number(i);
-        const auto entry = root->constFind(domainKey);
-        if (entry == root->cend())
-            continue;
-        if (entry->typeId() != QMetaType::QVariantMap) {
-            reportUnusableEntry(domainKey, QStringLiteral("not a dictionary"));
-            continue;
-        }
-        const QVariantMap domainDict = entry->toMap();
-        Domain *domain = createNewDomain(domainDict.value(QStringLiteral("DomainName")).toString());
-        const int nodeCount = int(domainDict.size()) - 1;
-        const QString parent = domainKey + QLatin1Char('/');
-        reportNumbering(domainDict, nodePrefix, nodeCount, parent);
-        for (int j = 0; j < nodeCount; ++j) {
-            const QString nodeKey = nodePrefix + QString::number(j);
-            const auto nodeEntry = domainDict.constFind(nodeKey);
-            if (nodeEntry == domainDict.cend())
-                continue;
-            if (nodeEntry->typeId() != QMetaType::QVariantMap)
-                reportUnusableEntry(parent + nodeKey, QStringLiteral("not a dictionary"));
-            else
-                addNodeToDomain(domain, nodeEntry->toMap(), parent + nodeKey);
-        }
-    }
+    readNumberedEntries(
+        *root, QStringLiteral("Domain"), int(root->size()), QString(),
+        [this](const QVariantMap &domainDict, const QString &domainKey) {
+            Domain *domain =
+                createNewDomain(domainDict.value(QStringLiteral("DomainName")).toString());
+            readNumberedEntries(
+                domainDict, QStringLiteral("Node"), int(domainDict.size()) - 1,
+                domainKey + QLatin1Char('/'),
+                [this, domain](const QVariantMap &nodeDict, const QString &nodeKey) {
+                    addNodeToDomain(domain, nodeDict, nodeKey);
+                });
+        });
     return true;
 }
 
@@ -81,10 +62,10 @@ Domain *DomainGroup::createNewDomain(const QString &domainName)
 Node *DomainGroup::addNodeToDomain(Domain *domain, const QVariantMap &dict,
                                    const QString &entryName)
 {
-    std::unique_ptr<Node> node = createNode(dict, entryName);
-    if (!node)
-        return nullptr;
-    return domain->addNode(std::move(node));
+    Node *node = createNode(dict, entryName);
+    if (node)
+        domain->addNode(node);
+    return node;
 }
 
 QList<Domain *> DomainGroup::domains() const
@@ -93,14 +74,6 @@ QList<Domain *> DomainGroup::domains() const
     result.reserve(qsizetype(_domains.size()));
     for (const auto &domain : _domains)
         result.append(domain.get());
-    return result;
-}
-
-QList<Node *> DomainGroup::allNodes() const
-{
-    QList<Node *> result;
-    for (const auto &domain : _domains)
-        result.append(domain->nodes());
     return result;
 }
 
@@ -116,9 +89,7 @@ void DomainGroup::destroyAllNodes()
 {
     if (_domains.empty())
         return;
-    endQueue();
-    for (Node *node : allNodes())
-        node->cleanup();
+    storeNodes();
 }
 
 QString DomainGroup::expandedKey(const QString &domainName)
@@ -138,19 +109,6 @@ void DomainGroup::setExpansionState(const QString &domainName, int state)
 
 DomainGroup::Placeholders DomainGroup::placeholdersForGroup(int groupNumber)
 {
-    // The number is taken as unsigned, so negative numbers fall into "any other".
-    switch (unsigned(groupNumber)) {
-    case 0:
-    case 1:
-        return {QStringLiteral("SplashSolar"), QStringLiteral("DataNotLoadedSolar"),
-                QStringLiteral("DownloadingDataSolar")};
-    case 2:
-        return {QStringLiteral("SplashAurora"), QStringLiteral("DataNotLoadedAurora"),
-                QStringLiteral("DownloadingDataAurora")};
-    case 3:
-        return {QStringLiteral("SplashEarth"), QStringLiteral("DataNotLoadedEarth"),
-                QStringLiteral("DownloadingDataEarth")};
-    default:
-        return {};
-    }
+    const GroupCatalogue::Group *group = GroupCatalogue::group(groupNumber);
+    return group ? group->placeholders : Placeholders();
 }

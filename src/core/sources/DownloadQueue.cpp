@@ -11,7 +11,7 @@ void DownloadQueue::add(Node *node)
     if (!node || _ended || contains(node))
         return;
     _nodes.append(node);
-    node->setStatusMessage(QStringLiteral("-"), _queuedLongStatus);
+    node->setQueued(_queuedLongStatus);
     check();
 }
 

@@ -1,10 +1,16 @@
 #include "core/sources/FlatGroup.h"
 
 #include "core/bulletins/BulletinFile.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 
 FlatGroup::FlatGroup(QObject *parent)
-    : NodeGroup(QStringLiteral("Alerts"), QStringLiteral("Queued..."), parent)
+    : FlatGroup(GroupCatalogue::group(GroupCatalogue::Alerts)->name, GroupCatalogue::Alerts, parent)
+{
+}
+
+FlatGroup::FlatGroup(const QString &groupName, int groupNumber, QObject *parent)
+    : NodeGroup(groupName, groupNumber, QStringLiteral("Queued..."), parent)
 {
 }
 
@@ -13,72 +19,37 @@ FlatGroup::~FlatGroup() = default;
 bool FlatGroup::loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath)
 {
     setDataFolderPath(dataFolderPath);
+    return loadDefinitionFile(dictionaryFileName);
+}
+
+bool FlatGroup::loadDefinitionFile(const QString &dictionaryFileName)
+{
     const std::optional<QVariantMap> root = readDefinitionFile(dictionaryFileName);
     if (!root)
         return false;
-
-    // Node0 up to one less than the number of root entries are probed; what the probe cannot
-    // use is reported, never passed over in silence.
-    const QString prefix = QStringLiteral("Node");
-    const int count = int(root->size());
-    reportNumbering(*root, prefix, count);
-    for (int i = 0; i < count; ++i) {
-        const QString key = prefix + QString::number(i);
-        const auto entry = root->constFind(key);
-        if (entry == root->cend())
-            continue;
-        if (entry->typeId() != QMetaType::QVariantMap)
-            reportUnusableEntry(key, QStringLiteral("not a dictionary"));
-        else
-            addNewNodeWithDict(entry->toMap(), key);
-    }
+    // Node0 up to one less than the number of root entries are probed.
+    readNumberedEntries(*root, QStringLiteral("Node"), int(root->size()), QString(),
+                        [this](const QVariantMap &dict, const QString &entryName) {
+                            addNewNodeWithDict(dict, entryName);
+                        });
     return true;
 }
 
 Node *FlatGroup::addNewNodeWithDict(const QVariantMap &dict, const QString &entryName)
 {
-    std::unique_ptr<Node> node = createNode(dict, entryName);
-    if (!node)
-        return nullptr;
-    _nodes.push_back(std::move(node));
-    return _nodes.back().get();
-}
-
-QList<Node *> FlatGroup::allNodes() const
-{
-    QList<Node *> result;
-    result.reserve(qsizetype(_nodes.size()));
-    for (const auto &node : _nodes)
-        result.append(node.get());
-    return result;
-}
-
-Node *FlatGroup::nodeAt(int index) const
-{
-    if (index < 0 || size_t(index) >= _nodes.size())
-        return nullptr;
-    return _nodes[size_t(index)].get();
-}
-
-int FlatGroup::indexOf(const Node *node) const
-{
-    for (size_t i = 0; i < _nodes.size(); ++i) {
-        if (_nodes[i].get() == node)
-            return int(i);
-    }
-    return -1;
+    return createNode(dict, entryName);
 }
 
 Node *FlatGroup::selectNodeAtIndex(int index)
 {
-    if (_nodes.empty()) {
+    if (nodeCount() == 0) {
         setSelectedNode(nullptr);
         return nullptr;
     }
-    if (index < 0 || size_t(index) >= _nodes.size())
+    if (index < 0 || index >= nodeCount())
         index = 0;
     _lastAlertMenuIndex = index;
-    setSelectedNode(_nodes[size_t(index)].get());
+    setSelectedNode(nodeAt(index));
     return selectedNode();
 }
 
@@ -111,12 +82,10 @@ std::optional<QString> FlatGroup::storedReportText(const Node *node, const QStri
 
 Node *FlatGroup::nodeNamed(const QString &name) const
 {
-    const auto find = [this](auto matches) -> Node * {
-        for (const auto &node : _nodes) {
-            if (matches(node.get()))
-                return node.get();
-        }
-        return nullptr;
+    const QList<Node *> nodes = allNodes();
+    const auto find = [&nodes](auto matches) -> Node * {
+        const auto it = std::find_if(nodes.cbegin(), nodes.cend(), matches);
+        return it == nodes.cend() ? nullptr : *it;
     };
     if (Node *node = find([&](const Node *n) { return n->fileName() == name; }))
         return node;
@@ -136,11 +105,8 @@ void FlatGroup::refreshDailyWeatherNode()
 
 void FlatGroup::destroyAllNodes()
 {
-    if (_nodes.empty())
+    if (nodeCount() == 0)
         return;
-    endQueue();
-    for (const auto &node : _nodes)
-        node->cleanup();
-    setSelectedNode(nullptr);
-    _nodes.clear();
+    storeNodes();
+    discardNodes();
 }

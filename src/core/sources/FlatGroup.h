@@ -2,9 +2,7 @@
 
 #include "core/sources/NodeGroup.h"
 
-#include <memory>
 #include <optional>
-#include <vector>
 
 // The Alerts group: one flat list of text-bulletin nodes, read from a definition file whose root
 // holds Node0, Node1 and so on.
@@ -12,20 +10,17 @@ class FlatGroup : public NodeGroup {
     Q_OBJECT
 
 public:
+    // The Alerts group, unless another row of the catalogue is given.
     explicit FlatGroup(QObject *parent = nullptr);
+    FlatGroup(const QString &groupName, int groupNumber, QObject *parent = nullptr);
     ~FlatGroup() override;
 
-    // Reads the definition file (the user's, or the bundled one in its place: see
-    // readDefinitionFile()) into nodes. Returns false (after logging "Failed to load rootDict!")
-    // when the bundled file cannot be read either; the group then has no nodes.
+    // Reads the definition file into nodes for the data folder (see loadDefinitionFile()).
     bool loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath);
+    bool loadDefinitionFile(const QString &dictionaryFileName) override;
     Node *addNewNodeWithDict(const QVariantMap &dict, const QString &entryName = {});
 
     QList<Node *> nodes() const { return allNodes(); }
-    QList<Node *> allNodes() const override;
-    Node *nodeAt(int index) const;
-    int nodeCount() const { return int(_nodes.size()); }
-    int indexOf(const Node *node) const;
 
     // The remembered menu index. An index outside the list selects the first node.
     int lastAlertMenuIndex() const { return _lastAlertMenuIndex; }
@@ -56,9 +51,8 @@ public:
     // Queues the first node of the list, whatever is selected.
     void refreshDailyWeatherNode();
     // Ends the queue, lets every node store its state, then discards the nodes.
-    void destroyAllNodes();
+    void destroyAllNodes() override;
 
 private:
-    std::vector<std::unique_ptr<Node>> _nodes;
     int _lastAlertMenuIndex = 0;
 };

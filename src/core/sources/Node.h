@@ -1,31 +1,35 @@
 #pragma once
 
+#include "core/sources/NodeDefinition.h"
+#include "core/sources/NodeSchedule.h"
+#include "core/sources/NodeStatus.h"
 #include "core/sources/OutlineItem.h"
 
-#include <QByteArray>
 #include <QDateTime>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QVariantMap>
 
 #include <memory>
 
-class AtomicFile;
 class NodeDelegate;
-class QNetworkReply;
-class QTimer;
+class NodeTransfer;
 
 // One downloadable item: a source address, the data file in the data folder that holds the last
 // good copy, display texts, a two-level status and an update schedule of its own. The view that
 // creates a node owns it and is its delegate; the node never logs, it reports to the delegate.
+//
+// A node is made of three parts: the definition entry it was made from (NodeDefinition), its
+// schedule (NodeSchedule) and, while it downloads, its transfer (NodeTransfer). It ties them
+// together: it keeps the state that its status texts say (NodeStatus), moves the schedule on at
+// the end of every attempt and tells its delegate, in a fixed order, what happened.
 class Node : public QObject, public OutlineItem {
     Q_OBJECT
 
 public:
-    // Whether a definition entry can make a node: "URL", "SourceFileName" and "DestFileName"
-    // present and "DestFileName" a single plain file name, so that no entry can write outside the
-    // data folder. Empty when it can, otherwise the reason in a few words.
+    using State = NodeStatus::State;
+
+    // See NodeDefinition::problem().
     static QString definitionProblem(const QVariantMap &dict);
 
     // A node for the entry, or none when definitionProblem() objects to it.
@@ -38,48 +42,54 @@ public:
     void removeDataFile();
     bool fileDownloaded() const;
 
-    // Status: both texts always change together, then the delegate hears of it.
+    // Status: both texts always change together, then the delegate hears of it. The node's own
+    // changes go through its state; setStatusMessage() sets texts of the caller's choosing and
+    // leaves the state alone.
     void setStatusMessage(const QString &shortStatus, const QString &longStatus);
+    // Marks the node as waiting in its view's queue, with that view's long text.
+    void setQueued(const QString &longStatus);
+    State state() const { return _state; }
     QString itemStatus() const override { return _statusMessage; }
     QString longStatus() const { return _longStatusMessage; }
 
-    QString itemName() const override { return _itemName; }
-    QString nodeTitle() const { return _nodeTitle; }
-    QString itemDescription() const { return _itemDescription; }
+    QString itemName() const override { return _definition.itemName(); }
+    QString nodeTitle() const { return _definition.nodeTitle(); }
+    QString itemDescription() const { return _definition.itemDescription(); }
     QString filePath() const { return _filePath; }
-    QString fileName() const { return _destFileName; }
-    QString sourceURL() const { return _sourceURL; }
-    int fileType() const { return _fileType; }
-    bool isDownloading() const { return _isDownloading; }
+    QString fileName() const { return _definition.destFileName(); }
+    QString sourceURL() const { return _definition.sourceURL(); }
+    int fileType() const { return _definition.fileType(); }
+    bool isDownloading() const;
     // Why the last attempt failed, as the activity log words it; empty when it did not fail (or
     // while a new attempt runs).
     QString lastFailure() const { return _lastFailure; }
     // Read from the kept definition on every call; an absent key gives an empty text.
-    QString dataSource() const;
-    QString URL() const;
+    QString dataSource() const { return _definition.dataSource(); }
+    QString URL() const { return _definition.URL(); }
     NodeDelegate *delegate() const { return _delegate; }
 
     bool isNode() const override { return true; }
     bool expandable() const override { return false; }
     OutlineItem *childAtIndex(int) const override { return nullptr; }
 
-    // Schedule.
-    bool autoUpdates() const { return _autoUpdates; }
-    int autoUpdateRate() const { return _autoUpdateRate; }
-    bool downloadsAtStartup() const { return _downloadsAtStartup; }
+    // Schedule (see NodeSchedule). Changing automatic updating or its rate tells the delegate.
+    bool autoUpdates() const { return _schedule.autoUpdates(); }
+    int autoUpdateRate() const { return _schedule.autoUpdateRate(); }
+    bool downloadsAtStartup() const { return _schedule.downloadsAtStartup(); }
     void setAutoUpdates(bool on);
     void setAutoUpdateRate(int rate);
-    void setDownloadsAtStartup(bool on);
-    int nextUpdateInMinutes() const;
-    void calculateNextUpdate();
-    void setLastUpdateNow();
+    void setDownloadsAtStartup(bool on) { _schedule.setDownloadsAtStartup(on); }
+    int nextUpdateInMinutes() const { return _schedule.nextUpdateInMinutes(); }
+    void calculateNextUpdate() { _schedule.calculateNextUpdate(); }
+    void setLastUpdateNow() { _schedule.setLastUpdateNow(); }
+    // Due for an automatic update; never while a transfer runs.
     bool checkAutoUpdate() const;
-    QString lastUpdate() const;
-    QString shortLastUpdate() const;
-    QString nextUpdate() const;
-    QString shortNextUpdate() const;
-    QDateTime lastUpdateDate() const { return _lastUpdateDate; }
-    QDateTime nextUpdateDate() const { return _nextUpdateDate; }
+    QString lastUpdate() const { return _schedule.lastUpdate(); }
+    QString shortLastUpdate() const { return _schedule.shortLastUpdate(); }
+    QString nextUpdate() const { return _schedule.nextUpdate(); }
+    QString shortNextUpdate() const { return _schedule.shortNextUpdate(); }
+    QDateTime lastUpdateDate() const { return _schedule.lastUpdateDate(); }
+    QDateTime nextUpdateDate() const { return _schedule.nextUpdateDate(); }
 
     // Download.
     void beginDownloadingData();
@@ -91,65 +101,30 @@ public:
     static QString autoUpdateKey(const QString &destFileName);
     static QString autoUpdateRateKey(const QString &destFileName);
     static QString downloadAtStartupKey(const QString &destFileName);
-
-    // A file directly inside a folder. Unlike QDir::filePath, a name that Qt would read as a
-    // resource path (":name") or as absolute stays a name inside the folder.
+    // See NodeDefinition::pathInFolder().
     static QString pathInFolder(const QString &folder, const QString &name);
-
-    static QString checkMark();
-    static QString errorStatusLong();
-
-    // A transfer that grows past this is stopped: a broken or hostile server must not be able to
-    // fill the disk, and no real image or bulletin comes near it.
-    static constexpr qint64 kMaximumDataSize = qint64(256) * 1024 * 1024;
-    static constexpr qint64 kReadBufferSize = qint64(1) * 1024 * 1024;
+    static QString checkMark() { return NodeStatus::checkMark(); }
+    static QString errorStatusLong() { return NodeStatus::errorLong(); }
 
 private:
     Node(const QVariantMap &dict, NodeDelegate *delegate, const QString &dataFolderPath,
          bool overrideDataMismatch);
 
-    void loadSchedule();
+    void setState(State state, int percent = -1);
     void failAtStart(const QString &error);
-    void connectionDidReceiveResponse();
-    void connectionDidReceiveData();
     void connectionDidFinishLoading();
-    void connectionDidFail(const QString &description, const QString &failingAddress);
-    void transferFinished();
-    void transferTimedOut();
-    void restartInactivityTimer();
+    void connectionDidFail(const QString &reason);
     void reportFailure(const QString &error);
 
     NodeDelegate *_delegate = nullptr;
-    QVariantMap _dict;
-    QString _dataFolderPath;
-    QString _destFileName;
-    QString _itemName;
-    QString _nodeTitle;
-    QString _itemDescription;
-    int _fileType = 0;
-    QString _lastUpdateString;
-    QString _shortLastUpdateString;
-    QDateTime _lastUpdateDate;
-    QString _nextUpdateString;
-    QString _shortNextUpdateString;
-    QDateTime _nextUpdateDate;
+    NodeDefinition _definition;
+    QString _filePath;
+    bool _overrideDataMismatch = false;
+    NodeSchedule _schedule;
+    State _state = State::Idle;
     QString _statusMessage;
     QString _longStatusMessage;
-    bool _autoUpdates = false;
-    int _autoUpdateRate = 0;
-    bool _downloadsAtStartup = false;
-    bool _overrideDataMismatch = false;
-    QPointer<QNetworkReply> _download;
-    // The bytes of the transfer in progress, written as they arrive.
-    std::unique_ptr<AtomicFile> _receivedData;
-    // The first bytes of the same transfer, kept for the content check at its end.
-    QByteArray _firstBytes;
-    bool _isDownloading = false;
-    QString _sourceURL;
-    QString _filePath;
-    qint64 _bytesReceived = 0;
-    qint64 _expectedContentLength = 0;
-    QTimer *_inactivityTimer = nullptr;
     QString _lastFailure;
-    int _timeoutMilliseconds = 0;
+    // Made for the first download and kept.
+    std::unique_ptr<NodeTransfer> _transfer;
 };

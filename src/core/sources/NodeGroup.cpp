@@ -12,12 +12,56 @@
 
 #include <limits>
 
-NodeGroup::NodeGroup(const QString &groupName, const QString &queuedLongStatus, QObject *parent)
-    : QObject(parent), _groupName(groupName), _queue(queuedLongStatus)
+NodeGroup::NodeGroup(const QString &groupName, int groupNumber, const QString &queuedLongStatus,
+                     QObject *parent)
+    : QObject(parent), _groupName(groupName), _groupNumber(groupNumber), _queue(queuedLongStatus)
 {
 }
 
-NodeGroup::~NodeGroup() = default;
+NodeGroup::~NodeGroup()
+{
+    // The queue refers to the nodes; it goes first.
+    _queue.end();
+    _nodes.clear();
+}
+
+QList<Node *> NodeGroup::allNodes() const
+{
+    QList<Node *> result;
+    result.reserve(qsizetype(_nodes.size()));
+    for (const auto &node : _nodes)
+        result.append(node.get());
+    return result;
+}
+
+Node *NodeGroup::nodeAt(int index) const
+{
+    if (index < 0 || size_t(index) >= _nodes.size())
+        return nullptr;
+    return _nodes[size_t(index)].get();
+}
+
+int NodeGroup::indexOf(const Node *node) const
+{
+    for (size_t i = 0; i < _nodes.size(); ++i) {
+        if (_nodes[i].get() == node)
+            return int(i);
+    }
+    return -1;
+}
+
+void NodeGroup::storeNodes()
+{
+    _queue.end();
+    for (const auto &node : _nodes)
+        node->cleanup();
+}
+
+void NodeGroup::discardNodes()
+{
+    _selectedNode = nullptr;
+    _nodes.clear();
+}
 
 void NodeGroup::addNodeToDownloadQueue(Node *node)
 {
@@ -170,12 +214,32 @@ std::optional<QVariantMap> NodeGroup::readDefinitionFile(const QString &fileName
     return root;
 }
 
-std::unique_ptr<Node> NodeGroup::createNode(const QVariantMap &dict, const QString &entryName)
+Node *NodeGroup::createNode(const QVariantMap &dict, const QString &entryName)
 {
     std::unique_ptr<Node> node = Node::create(dict, this, _dataFolderPath, false);
-    if (!node)
+    if (!node) {
         reportUnusableEntry(entryName, Node::definitionProblem(dict));
-    return node;
+        return nullptr;
+    }
+    _nodes.push_back(std::move(node));
+    return _nodes.back().get();
+}
+
+void NodeGroup::readNumberedEntries(
+    const QVariantMap &dict, const QString &prefix, int count, const QString &parent,
+    const std::function<void(const QVariantMap &entry, const QString &entryName)> &use) const
+{
+    reportNumbering(dict, prefix, count, parent);
+    for (int i = 0; i < count; ++i) {
+        const QString key = prefix + QString::number(i);
+        const auto entry = dict.constFind(key);
+        if (entry == dict.cend())
+            continue;
+        if (entry->typeId() != QMetaType::QVariantMap)
+            reportUnusableEntry(parent + key, QStringLiteral("not a dictionary"));
+        else
+            use(entry->toMap(), parent + key);
+    }
 }
 
 void NodeGroup::reportUnusableEntry(const QString &entryName, const QString &reason) const

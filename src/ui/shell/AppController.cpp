@@ -9,6 +9,7 @@
 #include "core/shell/ToolbarItems.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 #include "core/util/ResourceLocator.h"
 #include "ui/alerts/AlertsView.h"
@@ -360,15 +361,12 @@ void AppController::awakeFromNib()
     loadPreferences();
     initToolbar();
 
-    _sunView->loadDomainDataForGroup(QStringLiteral("Sun"), 0, QStringLiteral("DataSun.plist"),
-                                     dataFolder);
-    _graphView->loadDomainDataForGroup(QStringLiteral("Graphs"), 1,
-                                       QStringLiteral("DataGraphs.plist"), dataFolder);
-    _auroraView->loadDomainDataForGroup(QStringLiteral("Aurora"), 2,
-                                        QStringLiteral("DataAurora.plist"), dataFolder);
-    _earthView->loadDomainDataForGroup(QStringLiteral("Earth"), 3,
-                                       QStringLiteral("DataEarth.plist"), dataFolder);
-    _alertsView->loadDictionaryData(QStringLiteral("DataAlerts.plist"), dataFolder);
+    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
+        const GroupCatalogue::Group *group = GroupCatalogue::group(view->groupNumber());
+        view->loadDomainDataForGroup(group->name, group->number, group->definitionFile, dataFolder);
+    }
+    _alertsView->loadDictionaryData(GroupCatalogue::group(GroupCatalogue::Alerts)->definitionFile,
+                                    dataFolder);
     _core->removeStaleTemporaryFiles();
 
     _moonView->setHemisphere(Preferences::shared().southernHemisphere());
@@ -388,9 +386,10 @@ void AppController::applicationDidFinishLaunching()
     // The placeholder pictures of every image view, rendered once the window is up, so that the
     // first switch to a view or the first missing item does not stop to draw them.
     QStringList placeholders;
-    for (int group = 0; group < 4; ++group) {
-        const DomainGroup::Placeholders names = DomainGroup::placeholdersForGroup(group);
-        placeholders << names.splash << names.downloading << names.noData;
+    for (const GroupCatalogue::Group &group : GroupCatalogue::groups()) {
+        if (group.layout == GroupCatalogue::Layout::Domains)
+            placeholders << group.placeholders.splash << group.placeholders.downloading
+                         << group.placeholders.noData;
     }
     NamedImage::renderInIdleTime(placeholders, _window->devicePixelRatioF(), 1000);
 }

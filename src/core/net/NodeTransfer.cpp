@@ -1,0 +1,234 @@
+#include "core/net/NodeTransfer.h"
+
+#include "core/net/AtomicFile.h"
+#include "core/net/ContentCheck.h"
+#include "core/net/NetworkAccess.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QTimer>
+#include <QUrl>
+
+#include <limits>
+
+namespace {
+
+// Where every delivery is read to on its way to the disk. All transfers run on the main thread,
+// and each delivery is written out before anything else can run, so they can share it.
+QByteArray &readBuffer()
+{
+    thread_local QByteArray buffer(NodeTransfer::kReadBufferSize, Qt::Uninitialized);
+    return buffer;
+}
+
+} // namespace
+
+NodeTransfer::NodeTransfer(QObject *parent) : QObject(parent) {}
+
+NodeTransfer::~NodeTransfer()
+{
+    // A transfer still running must never call back into a node that is gone.
+    reset();
+}
+
+QString NodeTransfer::notHttpAddressReason(const QString &address)
+{
+    return QStringLiteral("\"%1\" is not an http or https address").arg(address);
+}
+
+NodeTransfer::Start NodeTransfer::start(const Request &request)
+{
+    const QUrl url(request.sourceURL, QUrl::StrictMode);
+    const QString scheme = url.scheme().toLower();
+    if (!url.isValid() || url.host().isEmpty() ||
+        (scheme != QLatin1String("http") && scheme != QLatin1String("https")))
+        return Start::NotHttpAddress;
+
+    QNetworkRequest networkRequest(url);
+    networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                                QNetworkRequest::AlwaysNetwork);
+    networkRequest.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    // Ask for the bytes as they are: the declared length then counts the bytes delivered, and a
+    // compressed answer can never fail the length check.
+    networkRequest.setRawHeader("Accept-Encoding", "identity");
+    networkRequest.setHeader(QNetworkRequest::UserAgentHeader, NetworkAccess::userAgent());
+
+    QNetworkReply *reply = NetworkAccess::manager()->get(networkRequest);
+    if (!reply)
+        return Start::NoConnection;
+
+    // Let the network layer hold only a little before we take it: a fast server then waits for
+    // us instead of filling memory, and each delivery stays small enough not to hold up the
+    // event loop.
+    reply->setReadBufferSize(kReadBufferSize);
+    _request = request;
+    _reply = reply;
+    _data = std::make_unique<AtomicFile>(request.filePath);
+    connect(reply, &QNetworkReply::metaDataChanged, this, &NodeTransfer::receiveResponse);
+    connect(reply, &QNetworkReply::readyRead, this, &NodeTransfer::receiveData);
+    connect(reply, &QNetworkReply::finished, this, &NodeTransfer::finishReply);
+
+    if (!_silenceTimer) {
+        _silenceTimer = new QTimer(this);
+        _silenceTimer->setSingleShot(true);
+        connect(_silenceTimer, &QTimer::timeout, this, &NodeTransfer::checkSilence);
+    }
+    _lastActivity.start();
+    _silenceTimer->start(_request.timeoutMilliseconds);
+    _active = true;
+    return Start::Started;
+}
+
+void NodeTransfer::receiveResponse()
+{
+    if (!_reply)
+        return;
+    _lastActivity.restart();
+
+    const QVariant declared = _reply->header(QNetworkRequest::ContentLengthHeader);
+    bool ok = false;
+    const qint64 length = declared.toLongLong(&ok);
+    _expectedContentLength = (declared.isValid() && ok && length >= 0) ? length : -1;
+    // Bytes of an earlier answer in the same transfer are dropped (the count is not).
+    _data->clear();
+    _firstBytes.clear();
+    _percent = -1;
+
+    if (_expectedContentLength > kMaximumDataSize) {
+        fail(QStringLiteral("The server announced more data than the 256 MB limit."));
+        return;
+    }
+    emit responded();
+}
+
+void NodeTransfer::receiveData()
+{
+    if (!_reply || !_data)
+        return;
+    _lastActivity.restart();
+
+    // Straight from the network layer's buffer to the file: no copy of its own per delivery.
+    QByteArray &buffer = readBuffer();
+    qint64 received = 0;
+    for (;;) {
+        const qint64 count = _reply->read(buffer.data(), buffer.size());
+        if (count <= 0)
+            break;
+        if (_data->size() + count > kMaximumDataSize) {
+            fail(QStringLiteral("The data grew past the 256 MB limit."));
+            return;
+        }
+        if (_firstBytes.size() < ContentCheck::kPrefixSize)
+            _firstBytes.append(buffer.constData(),
+                               std::min(count, ContentCheck::kPrefixSize - _firstBytes.size()));
+        _data->append(QByteArrayView(buffer.constData(), count));
+        received += count;
+    }
+    if (received == 0 || _expectedContentLength <= 0)
+        return;
+
+    _bytesReceived += received;
+    const double percent = double(_bytesReceived) / double(_expectedContentLength) * 100.0;
+    const int shown = int(std::min(percent, double(std::numeric_limits<int>::max())));
+    // A status that says the same again is no news: only a new whole percentage is told.
+    if (shown == _percent)
+        return;
+    _percent = shown;
+    emit progressed(shown);
+}
+
+void NodeTransfer::finishReply()
+{
+    QNetworkReply *reply = _reply;
+    if (!reply)
+        return;
+    _silenceTimer->stop();
+
+    // Bytes that arrived together with the end of the transfer.
+    if (reply->bytesAvailable() > 0)
+        receiveData();
+    if (!_active || _reply != reply)
+        return;
+
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (reply->error() != QNetworkReply::NoError || status >= 400) {
+        QString description = reply->errorString();
+        if (status >= 400) {
+            // An error page is not data: say what the server answered instead of Qt's wording.
+            const QString reason =
+                reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString();
+            description =
+                reason.isEmpty()
+                    ? QStringLiteral("The server answered %1.").arg(status)
+                    : QStringLiteral("The server answered %1 %2.").arg(status).arg(reason);
+        }
+        fail(description);
+        return;
+    }
+    emit arrived();
+}
+
+void NodeTransfer::checkSilence()
+{
+    if (!_reply)
+        return;
+    const qint64 silent = _lastActivity.elapsed();
+    if (silent < _request.timeoutMilliseconds) {
+        _silenceTimer->start(int(_request.timeoutMilliseconds - silent));
+        return;
+    }
+    fail(QStringLiteral("The request timed out."));
+}
+
+void NodeTransfer::fail(const QString &description)
+{
+    const QString failingAddress = _reply ? _reply->url().toString() : QString();
+    const QString address = failingAddress.isEmpty() ? _request.sourceURL : failingAddress;
+    // Stop the transfer before anyone hears of the failure, so nothing more arrives from it.
+    abort();
+    emit failed(description + QLatin1Char(' ') + address);
+}
+
+void NodeTransfer::abort()
+{
+    if (_silenceTimer)
+        _silenceTimer->stop();
+    if (_reply) {
+        _reply->disconnect(this);
+        _reply->abort();
+    }
+}
+
+QString NodeTransfer::conclude()
+{
+    if (_data->isEmpty())
+        return QStringLiteral("data length is zero (the file may not be available at this time)");
+    if (_data->size() != _expectedContentLength && !_request.overrideDataMismatch)
+        return QStringLiteral("data length does not match expected size (the file may not be "
+                              "available at this time)");
+    if (!ContentCheck::isExpected(_request.fileType, _firstBytes))
+        return QStringLiteral("the server sent something other than the expected file");
+    if (!_data->commit())
+        return QStringLiteral("unable to write file");
+    return QString();
+}
+
+void NodeTransfer::reset()
+{
+    if (_silenceTimer)
+        _silenceTimer->stop();
+    if (QNetworkReply *reply = _reply) {
+        _reply = nullptr;
+        reply->disconnect(this);
+        // Deleting a reply that is still running aborts it; deferring the deletion keeps this safe
+        // when we are inside one of the reply's own signals.
+        reply->deleteLater();
+    }
+    _data.reset();
+    _firstBytes.clear();
+    _bytesReceived = 0;
+    _expectedContentLength = 0;
+    _percent = -1;
+    _active = false;
+}

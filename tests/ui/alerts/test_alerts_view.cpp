@@ -33,7 +33,7 @@ private slots:
     void failedDownloadSaysWhy_data();
     void failedDownloadSaysWhy();
     void buttonsAndCache();
-    void lastUpdateLineFollowsTheSchedule();
+    void scheduleSheet();
     void selectionSurvivesARestart();
     void emptyList_data();
     void emptyList();
@@ -270,7 +270,7 @@ void TestAlertsView::buttonsAndCache()
     QCOMPARE(statusLine(), "");
 }
 
-void TestAlertsView::lastUpdateLineFollowsTheSchedule()
+void TestAlertsView::scheduleSheet()
 {
     TestEnvironment::setNow(QDateTime(QDate(2026, 11, 16), QTime(18, 30)));
     QSettings().setValue(Node::lastUpdateKey("RSGA.txt"), "Monday, Nov 16 2026 at 05:57 PM");
@@ -281,13 +281,28 @@ void TestAlertsView::lastUpdateLineFollowsTheSchedule()
     QCOMPARE(labelStartingWith(_view.get(), "Last"),
              "Last Updated: Monday, Nov 16 2026 at 05:57 PM");
     button(_view.get(), "Schedule…")->click();
-    QCOMPARE(_sheet.myNode(), nodeAt(0));
+    QVERIFY(_sheet.isVisible());
+    QCOMPARE(_sheet.windowModality(), Qt::WindowModal);
+    QCOMPARE(_sheet.nodeTitleField()->text(), "Scheduled Updating for \"Daily title\"");
+    QComboBox *rate = _sheet.autoUpdateTimeMenu();
+    QCOMPARE((QList<int>{rate->count(), rate->currentIndex(), rate->isEnabled()}),
+             (QList<int>{8, 3, 0}));
+    // Each choice is stored at once, and the view's line follows.
     _sheet.autoUpdatesButton()->click();
+    QVERIFY(rate->isEnabled());
     QCOMPARE(labelStartingWith(_view.get(), "Last"),
              "Last Updated: Monday, Nov 16 2026 at 05:57 PM, Next Update: 11/16 at 06:57 PM");
+    rate->setCurrentIndex(4);
+    emit rate->activated(4);
+    _sheet.downloadAtStartupButton()->click();
+    for (const char *key : {"autoUpdateNodeRSGA.txt", "downloadAtStartupNodeRSGA.txt"})
+        QCOMPARE(QSettings().value(key).toInt(), 1);
+    QCOMPARE(QSettings().value("autoUpdateRateNodeRSGA.txt").toInt(), 4);
+    QVERIFY(labelStartingWith(_view.get(), "Last").endsWith("Next Update: 11/16 at 07:57 PM"));
     _sheet.close();
+    QVERIFY(!_sheet.isVisible());
     nodeAt(1)->setAutoUpdates(true); // another node's schedule leaves the line alone
-    QVERIFY(labelStartingWith(_view.get(), "Last").endsWith("Next Update: 11/16 at 06:57 PM"));
+    QVERIFY(labelStartingWith(_view.get(), "Last").endsWith("Next Update: 11/16 at 07:57 PM"));
 }
 
 void TestAlertsView::selectionSurvivesARestart()

@@ -1,7 +1,6 @@
 #include "../UiFixture.h"
 
 #include "core/moon/MoonText.h"
-#include "core/util/ResourceLocator.h"
 #include "ui/moon/MoonImageView.h"
 #include "ui/moon/MoonPhasePicture.h"
 #include "ui/moon/MoonView.h"
@@ -23,14 +22,11 @@ private slots:
         tzset();
     }
     void init();
-    void cleanup() { ResourceLocator::setResourceFolder(VANTOREL_TEST_RESOURCE_DIR); }
     void buttons_data();
     void buttons();
     void liveTimerAndHemisphere();
-    void missingPhaseNames();
     void pictures_data();
     void pictures();
-    void unknownPictureLeavesTheViewEmpty();
 
 private:
     // The seven lines, the phase name and the picture's name.
@@ -104,18 +100,6 @@ void TestMoonView::liveTimerAndHemisphere()
     QCOMPARE(shown(view).mid(0, 7), MoonText::lines(view.moonCalc()).mid(0, 7));
 }
 
-void TestMoonView::missingPhaseNames()
-{
-    ResourceLocator::setResourceFolder(TestEnvironment::makeFolder("empty-resources"));
-    MoonView view;
-    QTest::ignoreMessage(QtWarningMsg, "phaseNamesDict failed to load");
-    view.awakeFromNib();
-    // The rest of the view is whole.
-    QCOMPARE(shown(view).value(7), "");
-    QVERIFY(shown(view).first().startsWith("Moon Phase for "));
-    QVERIFY(MoonPhasePicture::exists(shown(view).last()));
-}
-
 void TestMoonView::pictures_data()
 {
     // Brightness sampled along the horizontal diameter, as fractions of the radius from the
@@ -151,17 +135,6 @@ void TestMoonView::pictures()
     const QImage dense = MoonPhasePicture::image(octant, QSize(64, 64), 2.0);
     QCOMPARE(dense.size(), QSize(128, 128));
     QCOMPARE(dense.devicePixelRatio(), 2.0);
-}
-
-void TestMoonView::unknownPictureLeavesTheViewEmpty()
-{
-    MoonImageView view;
-    view.resize(120, 120);
-    view.setImageName("MoonPhase4");
-    QVERIFY(view.grab().toImage().pixelColor(60, 60).lightness() > 160);
-    view.setImageName("NoSuchPicture");
-    const QImage drawn = view.grab().toImage();
-    QCOMPARE(drawn.pixelColor(60, 60), drawn.pixelColor(2, 2));
 }
 
 VANTOREL_TEST_MAIN(TestMoonView)

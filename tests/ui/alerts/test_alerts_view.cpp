@@ -1,5 +1,5 @@
+#include "../UiFixture.h"
 #include "RecordingLog.h"
-#include "TestEnvironment.h"
 #include "TestHttpServer.h"
 
 #include "core/settings/Preferences.h"
@@ -10,63 +10,47 @@
 #include "ui/common/FailureLine.h"
 #include "ui/sources/NodeScheduler.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFile>
 #include <QFontDatabase>
-#include <QLabel>
 #include <QPlainTextEdit>
-#include <QProcess>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QSettings>
-#include <QtTest>
 
-// The Alerts view as the user meets it: which text the report area shows and when, what gets
-// queued, the status and last-update lines, the buttons, the schedule sheet, and the selection
-// that survives a restart. Downloads come from a loopback server.
+// The Alerts view as the user meets it: which text the report area shows and when, the status
+// and last-update lines, the buttons, the failure line, and what survives a restart. Downloads
+// come from a loopback server.
 class TestAlertsView : public QObject {
     Q_OBJECT
 
 private slots:
     void init();
     void cleanup();
-
-    void missingReport_data();
-    void missingReport();
-    void alreadyQueuedReport();
-    void zeroByteFile();
-    void otherDownloadLeavesTheTextInPlace();
-    void reloadShowsTheNewReport();
+    void choosingAReport_data();
+    void choosingAReport();
+    void reportsArrive();
+    void reloadKeepsTheReadingPosition();
     void failedDownloadSaysWhy_data();
     void failedDownloadSaysWhy();
-    void emptiedCacheKeepsTheText_data();
-    void emptiedCacheKeepsTheText();
-    void dailyReportAndCancelButtons();
-    void lastUpdateLineFollowsTheSchedule();
-    void storedIndex_data();
-    void storedIndex();
+    void buttonsAndCache();
+    void scheduleSheet();
     void selectionSurvivesARestart();
     void emptyList_data();
     void emptyList();
-    void repeatedTitlesKeepTheirNodes();
     void plainTextInAFixedFont();
-    void terminalPrintsWhatTheViewShows_data();
-    void terminalPrintsWhatTheViewShows();
 
 private:
-    // Nodes 0 to 2: the daily report, the highlights and a third report, each served from the
-    // path given (by default one that never answers, so a queued node stays queued).
+    // The daily report, the highlights and a forecast, each served from the path given (by
+    // default one that never answers, so that a queued node stays queued).
     void writeDefinitions(const QByteArray &daily = "stall", const QByteArray &weekly = "stall",
-                          const QByteArray &other = "stall")
+                          const QByteArray &forecast = "stall")
     {
         writeNodes({node("RSGA.txt", "Daily", daily), node("WKHF.txt", "Weekly", weekly),
-                    node("3Day.txt", "Forecast", other)});
+                    node("3Day.txt", "Forecast", forecast)});
     }
     QVariantMap node(const QString &dest, const QString &name, const QByteArray &path)
     {
-        return TestEnvironment::nodeDict(dest, name, _server->baseUrl(), QString::fromLatin1(path));
+        return TestEnvironment::nodeDict(dest, name, _server->baseUrl(), path);
     }
     void writeNodes(const QList<QVariantMap> &nodes)
     {
@@ -74,12 +58,6 @@ private:
         for (int i = 0; i < nodes.size(); ++i)
             root.insert(QStringLiteral("Node%1").arg(i), nodes[i]);
         QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataAlerts.plist", root));
-    }
-    void writeData(const QString &fileName, const QByteArray &bytes)
-    {
-        QFile file(_data + QLatin1Char('/') + fileName);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), bytes.size());
     }
     // A new group and view, loaded as the application does it at start-up.
     void load()
@@ -92,18 +70,18 @@ private:
         _view->resize(800, 500);
         _view->awakeFromNib();
         _view->show();
-        _view->loadDictionaryData(QStringLiteral("DataAlerts.plist"), _data);
+        _view->loadDictionaryData("DataAlerts.plist", _data);
     }
     // What the user does when choosing an item of the menu.
     void choose(int index)
     {
-        _view->nodeListMenu()->setCurrentIndex(index);
-        emit _view->nodeListMenu()->activated(index);
+        _view->findChild<QComboBox *>()->setCurrentIndex(index);
+        emit _view->findChild<QComboBox *>()->activated(index);
     }
     Node *nodeAt(int index) const { return _group->nodeAt(index); }
-    QString shownText() const { return _view->nodeDataTextView()->toPlainText(); }
+    QString shown() const { return _view->findChild<QPlainTextEdit *>()->toPlainText(); }
     QString statusLine() const { return _view->nodeStatusField()->text(); }
-    QString lastUpdateLine() const { return _view->nodeLastUpdateField()->text(); }
+    bool canCancel() const { return button(_view.get(), "Cancel")->isEnabled(); }
 
     std::unique_ptr<TestHttpServer> _server;
     std::unique_ptr<FlatGroup> _group;
@@ -116,14 +94,13 @@ private:
 
 namespace {
 
-const QString kNotLoaded =
-    QStringLiteral("Data not loaded. Press \"Reload\" to download current data.");
-const QString kDownloading = QStringLiteral("Downloading data, please wait...");
+const QString kNotLoaded = "Data not loaded. Press \"Reload\" to download current data.";
+const QString kDownloading = "Downloading data, please wait...";
 const QByteArray kDailyReport = ":Product: Daily\n:Issued: 2026 Nov 16\nSummary\nIA.  Regions\n";
-const QString kDailyShown = QStringLiteral("Daily\nIssued: 2026 Nov 16\nSummary\n\n1A.  Regions\n");
+const QString kDailyShown = "Daily\nIssued: 2026 Nov 16\nSummary\n\n1A.  Regions\n";
 const QByteArray kWeeklyReport =
     ":Product: Weekly\n:Issued: 2026 Nov 16\nFirst line\nsecond line\n";
-const QString kWeeklyShown = QStringLiteral("Weekly Issued: 2026 Nov 16 First line second line ");
+const QString kWeeklyShown = "Weekly Issued: 2026 Nov 16 First line second line ";
 
 } // namespace
 
@@ -132,15 +109,10 @@ void TestAlertsView::init()
     TestEnvironment::resetState();
     _server = std::make_unique<TestHttpServer>();
     _server->stall("/stall");
-    _server->serve("/daily", kDailyReport);
     _server->serve("/weekly", kWeeklyReport);
-    TestHttpServer::Script gone;
-    gone.status = 404;
-    gone.reason = "Not Found";
-    gone.chunks = {"missing"};
-    _server->route("/gone", gone);
-    _definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
-    _data = TestEnvironment::makeFolder(QStringLiteral("data"));
+    _server->serve("/forecast", ":Product: Forecast\n# comment\n");
+    _definitions = TestEnvironment::makeFolder("definitions");
+    _data = TestEnvironment::makeFolder("data");
     ResourceLocator::setDefinitionsFolder(_definitions);
     _log.entries.clear();
 }
@@ -155,120 +127,89 @@ void TestAlertsView::cleanup()
     _server.reset();
 }
 
-void TestAlertsView::missingReport_data()
+void TestAlertsView::choosingAReport_data()
 {
-    QTest::addColumn<bool>("online");
-    QTest::addColumn<bool>("downloadMissingData");
-    QTest::addColumn<bool>("queued");
-
-    QTest::newRow("online") << true << true << true;
-    QTest::newRow("offline") << false << true << false;
-    QTest::newRow("preference off") << true << false << false;
+    // Whether missing data is fetched at all is the queue's rule; here: what the view shows.
+    QTest::addColumn<QByteArray>("file"); // of the highlights; null: none
+    QTest::addColumn<QString>("setUp");   // "offline", or "queued" behind the forecast
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("status");
+    QTest::addColumn<bool>("cancel");
+    const auto row = [](const char *name, const QByteArray &file, const char *setUp,
+                        const QString &text, const char *status, bool cancel) {
+        QTest::newRow(name) << file << QString(setUp) << text << QString(status) << cancel;
+    };
+    row("there", kWeeklyReport, "", kWeeklyShown, "", false);
+    row("zero bytes", "", "", kNotLoaded, "", false);
+    row("missing, fetched", nullptr, "", kDownloading, "Connecting...", true);
+    row("missing, not fetched", nullptr, "offline", kNotLoaded, "Press \"Reload\" to begin", false);
+    row("already queued", nullptr, "queued", kDownloading, "Queued...", true);
 }
 
-void TestAlertsView::missingReport()
+void TestAlertsView::choosingAReport()
 {
-    QFETCH(bool, online);
-    QFETCH(bool, downloadMissingData);
-    QFETCH(bool, queued);
-    Preferences::shared().setOnline(online);
-    Preferences::shared().setDownloadMissingData(downloadMissingData);
-    writeDefinitions("stall", "weekly");
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
+    QFETCH(QByteArray, file);
+    QFETCH(QString, setUp);
+    QFETCH(QString, text);
+    QFETCH(QString, status);
+    QFETCH(bool, cancel);
+    Preferences::shared().setOnline(setUp != "offline");
+    writeDefinitions();
+    writeFile(_data + "/RSGA.txt", kDailyReport);
+    if (!file.isNull())
+        writeFile(_data + "/WKHF.txt", file);
     load();
-    QCOMPARE(shownText(), kDailyShown);
-
+    QCOMPARE(shown(), kDailyShown); // the first report, at the first start
+    if (setUp == "queued") {
+        _group->addNodeToDownloadQueue(nodeAt(2));
+        _group->addNodeToDownloadQueue(nodeAt(1));
+    }
     choose(1);
     QCOMPARE(_group->selectedNode(), nodeAt(1));
-    QCOMPARE(_group->nodeIsInDownloadQueue(nodeAt(1)), queued);
-    if (!queued) {
-        QCOMPARE(shownText(), kNotLoaded);
-        QCOMPARE(statusLine(), QStringLiteral("Press \"Reload\" to begin"));
-        QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-        QCOMPARE(_server->requestCount("/weekly"), 0);
-        return;
-    }
-    QCOMPARE(shownText(), kDownloading);
-    QVERIFY(_view->cancelNodeDownloadButton()->isEnabled());
-    // The report replaces the downloading text as soon as it arrives.
-    QTRY_COMPARE(shownText(), kWeeklyShown);
-    QCOMPARE(statusLine(), QString());
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-    QCOMPARE(_log.entries, QStringList{"message: Download of \"Weekly\" Successful"});
+    QCOMPARE(shown(), text);
+    QCOMPARE(statusLine(), status);
+    QCOMPARE(canCancel(), cancel);
+    QCOMPARE(_group->nodeIsInDownloadQueue(nodeAt(1)), cancel);
 }
 
-void TestAlertsView::alreadyQueuedReport()
+void TestAlertsView::reportsArrive()
 {
-    writeDefinitions();
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
+    writeDefinitions("stall", "weekly", "forecast");
+    writeFile(_data + "/RSGA.txt", kDailyReport);
     load();
-    _group->addNodeToDownloadQueue(nodeAt(2));
-    _group->addNodeToDownloadQueue(nodeAt(1));
-    QCOMPARE(nodeAt(1)->longStatus(), QStringLiteral("Queued..."));
-    QSignalSpy statuses(_group.get(), &NodeGroup::nodeStatusChanged);
-
     choose(1);
-    QCOMPARE(shownText(), kDownloading);
-    QCOMPARE(_group->downloadQueue(), (QList<Node *>{nodeAt(2), nodeAt(1)}));
-    QCOMPARE(statuses.count(), 0);
-    QCOMPARE(statusLine(), QStringLiteral("Queued..."));
-    QVERIFY(_view->cancelNodeDownloadButton()->isEnabled());
-    QVERIFY(!nodeAt(1)->isDownloading());
-
-    // Cancelled from elsewhere (the application's Cancel All), the controls follow.
-    _group->cancelAllDownloads();
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-    QCOMPARE(statusLine(), QString());
-}
-
-void TestAlertsView::zeroByteFile()
-{
-    writeDefinitions();
-    writeData(QStringLiteral("RSGA.txt"), QByteArray());
-    load();
-    QVERIFY(nodeAt(0)->fileDownloaded());
-    QCOMPARE(shownText(), kNotLoaded);
-    QVERIFY(_group->downloadQueue().isEmpty());
-}
-
-void TestAlertsView::otherDownloadLeavesTheTextInPlace()
-{
-    writeDefinitions("stall", "weekly");
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
-    load();
-    QSignalSpy loaded(_group.get(), &NodeGroup::nodeDataLoaded);
-    // The daily report, shown, stalls at the head of the queue; cancelling it lets the others go.
-    _group->refreshAllNodeData();
-    _view->cancelNodeDownloadButton()->click();
-    QTRY_COMPARE(loaded.count(), 1);
-    QCOMPARE(loaded.first().first().value<Node *>(), nodeAt(1));
+    QCOMPARE(shown(), kDownloading);
+    // The report replaces the downloading text as soon as it arrives.
+    QTRY_COMPARE(shown(), kWeeklyShown);
+    QCOMPARE(statusLine(), "");
+    QVERIFY(!canCancel());
     QCOMPARE(_log.entries, QStringList{"message: Download of \"Weekly\" Successful"});
-    QCOMPARE(shownText(), kDailyShown);
-    QCOMPARE(_view->nodeListMenu()->currentIndex(), 0);
+    // Another report's arrival is logged, and leaves the shown one in place.
+    choose(0);
+    _group->addNodeToDownloadQueue(nodeAt(2));
+    QTRY_COMPARE(_log.entries.size(), 2);
+    QCOMPARE(_log.entries.last(), "message: Download of \"Forecast\" Successful");
+    QCOMPARE(shown(), kDailyShown);
 }
 
-void TestAlertsView::reloadShowsTheNewReport()
+void TestAlertsView::reloadKeepsTheReadingPosition()
 {
-    // Both issues are long enough to scroll.
-    QByteArray lines;
+    QByteArray lines; // both issues are long enough to scroll
     for (int i = 0; i < 300; ++i)
         lines += "line " + QByteArray::number(i) + '\n';
     _server->serve("/long", ":Product: Today\n" + lines);
     writeDefinitions("long");
-    writeData(QStringLiteral("RSGA.txt"), ":Product: Yesterday\n" + lines);
+    writeFile(_data + "/RSGA.txt", ":Product: Yesterday\n" + lines);
     load();
-    QVERIFY(shownText().startsWith(QStringLiteral("Yesterday\n")));
-    QScrollBar *bar = _view->nodeDataTextView()->verticalScrollBar();
+    QScrollBar *bar = _view->findChild<QPlainTextEdit *>()->verticalScrollBar();
     bar->setValue(bar->maximum() / 2);
     const int position = bar->value();
     QVERIFY(position > 0);
-    _view->refreshButton()->click();
-    QVERIFY(_group->nodeIsInDownloadQueue(nodeAt(0)));
-    QTRY_VERIFY(shownText().startsWith(QStringLiteral("Today\n")));
+    button(_view.get(), "Reload")->click();
+    QTRY_VERIFY(shown().startsWith("Today\n"));
     QCOMPARE(bar->value(), position); // the new issue keeps the reader's place
     choose(0);                        // chosen from the menu, the report starts at the top
     QCOMPARE(bar->value(), 0);
-    QVERIFY(_view->refreshButton()->isEnabled());
 }
 
 void TestAlertsView::failedDownloadSaysWhy_data()
@@ -281,148 +222,103 @@ void TestAlertsView::failedDownloadSaysWhy_data()
 void TestAlertsView::failedDownloadSaysWhy()
 {
     QFETCH(bool, atOnce);
-    QVariantMap weekly = node("WKHF.txt", "Weekly", "gone");
+    _server->setFailEvery(1);
+    QVariantMap weekly = node("WKHF.txt", "Weekly", "weekly");
     if (atOnce)
-        weekly.insert(QStringLiteral("URL"), QStringLiteral("ftp://127.0.0.1/"));
+        weekly.insert("URL", "ftp://127.0.0.1/");
     writeNodes({node("RSGA.txt", "Daily", "stall"), weekly});
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
+    writeFile(_data + "/RSGA.txt", kDailyReport);
     load();
     choose(1);
-    QTRY_COMPARE(statusLine(), QStringLiteral("Error, please see Activity Window for details"));
+    QTRY_COMPARE(statusLine(), "Error, please see Activity Window for details");
     // No report: the view says so, with the log's words (no time stamp) in the failure line.
-    QCOMPARE(shownText(), AlertsView::failedText());
-    QCOMPARE(_log.entries.size(), 1);
-    QCOMPARE(QStringLiteral("error: ") + _view->failureField()->text(), _log.entries.first());
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
+    QCOMPARE(shown(), AlertsView::failedText());
+    QCOMPARE(_log.entries, QStringList{"error: " + _view->findChild<FailureLine *>()->text()});
+    QVERIFY(!canCancel());
     QTest::qWait(100); // nothing tries again by itself
     QCOMPARE(_server->totalRequests(), atOnce ? 0 : 1);
-    _view->refreshButton()->click(); // a new attempt clears the line while it runs
-    QCOMPARE(_view->failureField()->text().isEmpty(), !atOnce);
+    button(_view.get(), "Reload")->click(); // a new attempt clears the line while it runs
+    QCOMPARE(_view->findChild<FailureLine *>()->text().isEmpty(), !atOnce);
 }
 
-void TestAlertsView::emptiedCacheKeepsTheText_data()
-{
-    QTest::addColumn<bool>("online");
-    QTest::newRow("online") << true;
-    QTest::newRow("offline") << false;
-}
-
-void TestAlertsView::emptiedCacheKeepsTheText()
-{
-    QFETCH(bool, online);
-    writeDefinitions();
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
-    writeData(QStringLiteral("WKHF.txt"), kWeeklyReport);
-    load();
-    Preferences::shared().setOnline(online);
-    _group->addNodeToDownloadQueue(nodeAt(2));
-
-    _group->emptyGroupCache();
-    QVERIFY(!nodeAt(0)->fileDownloaded());
-    QVERIFY(!nodeAt(1)->fileDownloaded());
-    QVERIFY(_group->downloadQueue().isEmpty());
-    QCOMPARE(shownText(), kDailyShown);
-
-    // Choosing the same item again reads it again.
-    choose(0);
-    QCOMPARE(shownText(), online ? kDownloading : kNotLoaded);
-    QCOMPARE(_group->nodeIsInDownloadQueue(nodeAt(0)), online);
-}
-
-void TestAlertsView::dailyReportAndCancelButtons()
+void TestAlertsView::buttonsAndCache()
 {
     writeDefinitions();
-    writeData(QStringLiteral("WKHF.txt"), kWeeklyReport);
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
+    writeFile(_data + "/WKHF.txt", kWeeklyReport);
+    writeFile(_data + "/RSGA.txt", kDailyReport);
     load();
     choose(1);
-    QVERIFY(_view->dailyReportButton()->isEnabled());
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-
-    _view->dailyReportButton()->click();
+    // The daily report is fetched whatever is shown; Cancel is for the report shown.
+    button(_view.get(), "Reload Daily Report")->click();
     QVERIFY(nodeAt(0)->isDownloading());
-    QCOMPARE(_group->selectedNode(), nodeAt(1));
-    QCOMPARE(shownText(), kWeeklyShown);
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-
+    QCOMPARE(shown(), kWeeklyShown);
+    QVERIFY(!canCancel());
     choose(0);
-    QVERIFY(_view->cancelNodeDownloadButton()->isEnabled());
-    QCOMPARE(statusLine(), QStringLiteral("Connecting..."));
-    _view->cancelNodeDownloadButton()->click();
+    QCOMPARE(statusLine(), "Connecting...");
+    button(_view.get(), "Cancel")->click();
     QVERIFY(_group->downloadQueue().isEmpty());
-    QVERIFY(!nodeAt(0)->isDownloading());
-    QVERIFY(!_view->cancelNodeDownloadButton()->isEnabled());
-    QCOMPARE(statusLine(), QString());
-    QCOMPARE(shownText(), kDailyShown);
+    QVERIFY(!canCancel());
+    QCOMPARE(statusLine(), "");
+    QCOMPARE(shown(), kDailyShown);
+    // Emptying the cache leaves the text; choosing the report again reads it again.
+    _group->emptyGroupCache();
+    QCOMPARE(shown(), kDailyShown);
+    choose(0);
+    QCOMPARE(shown(), kDownloading);
+    _group->cancelAllDownloads(); // from elsewhere: the controls follow
+    QVERIFY(!canCancel());
+    QCOMPARE(statusLine(), "");
 }
 
-void TestAlertsView::lastUpdateLineFollowsTheSchedule()
+void TestAlertsView::scheduleSheet()
 {
     TestEnvironment::setNow(QDateTime(QDate(2026, 11, 16), QTime(18, 30)));
-    QSettings settings;
-    settings.setValue(Node::lastUpdateKey(QStringLiteral("RSGA.txt")),
-                      QStringLiteral("Monday, Nov 16 2026 at 05:57 PM"));
-    settings.setValue(Node::autoUpdateRateKey(QStringLiteral("RSGA.txt")), 3);
+    QSettings().setValue(Node::lastUpdateKey("RSGA.txt"), "Monday, Nov 16 2026 at 05:57 PM");
+    QSettings().setValue(Node::autoUpdateRateKey("RSGA.txt"), 3);
     writeDefinitions();
-    writeData(QStringLiteral("RSGA.txt"), kDailyReport);
+    writeFile(_data + "/RSGA.txt", kDailyReport);
     load();
-    QCOMPARE(lastUpdateLine(), QStringLiteral("Last Updated: Monday, Nov 16 2026 at 05:57 PM"));
-
-    _view->scheduleNodeButton()->click();
+    QCOMPARE(labelStartingWith(_view.get(), "Last"),
+             "Last Updated: Monday, Nov 16 2026 at 05:57 PM");
+    button(_view.get(), "Schedule…")->click();
     QVERIFY(_sheet.isVisible());
-    QCOMPARE(_sheet.myNode(), nodeAt(0));
+    QCOMPARE(_sheet.windowModality(), Qt::WindowModal);
+    QCOMPARE(_sheet.nodeTitleField()->text(), "Scheduled Updating for \"Daily title\"");
+    QComboBox *rate = _sheet.autoUpdateTimeMenu();
+    QCOMPARE((QList<int>{rate->count(), rate->currentIndex(), rate->isEnabled()}),
+             (QList<int>{8, 3, 0}));
+    // Each choice is stored at once, and the view's line follows.
     _sheet.autoUpdatesButton()->click();
-    QVERIFY(nodeAt(0)->autoUpdates());
-    QCOMPARE(lastUpdateLine(), QStringLiteral("Last Updated: Monday, Nov 16 2026 at 05:57 PM, "
-                                              "Next Update: 11/16 at 06:57 PM"));
+    QVERIFY(rate->isEnabled());
+    QCOMPARE(labelStartingWith(_view.get(), "Last"),
+             "Last Updated: Monday, Nov 16 2026 at 05:57 PM, Next Update: 11/16 at 06:57 PM");
+    rate->setCurrentIndex(4);
+    emit rate->activated(4);
+    _sheet.downloadAtStartupButton()->click();
+    for (const char *key : {"autoUpdateNodeRSGA.txt", "downloadAtStartupNodeRSGA.txt"})
+        QCOMPARE(QSettings().value(key).toInt(), 1);
+    QCOMPARE(QSettings().value("autoUpdateRateNodeRSGA.txt").toInt(), 4);
+    QVERIFY(labelStartingWith(_view.get(), "Last").endsWith("Next Update: 11/16 at 07:57 PM"));
     _sheet.close();
     QVERIFY(!_sheet.isVisible());
-
-    // Another node's change of schedule leaves the line alone.
-    nodeAt(1)->setAutoUpdates(true);
-    QVERIFY(lastUpdateLine().endsWith(QStringLiteral("Next Update: 11/16 at 06:57 PM")));
-}
-
-void TestAlertsView::storedIndex_data()
-{
-    QTest::addColumn<int>("stored");
-    QTest::addColumn<int>("selected");
-    QTest::newRow("within the list") << 2 << 2;
-    QTest::newRow("beyond the list") << 3 << 0;
-    QTest::newRow("negative") << -1 << 0;
-}
-
-void TestAlertsView::storedIndex()
-{
-    QFETCH(int, stored);
-    QFETCH(int, selected);
-    QSettings().setValue(QLatin1String(AlertsView::kMenuIndexKey), stored);
-    writeDefinitions();
-    load();
-    QCOMPARE(_view->nodeListMenu()->currentIndex(), selected);
-    QCOMPARE(_group->selectedNode(), nodeAt(selected));
-    // Online with missing data: the report shown is fetched, and only that one.
-    QCOMPARE(_group->downloadQueue(), QList<Node *>{nodeAt(selected)});
+    nodeAt(1)->setAutoUpdates(true); // another node's schedule leaves the line alone
+    QVERIFY(labelStartingWith(_view.get(), "Last").endsWith("Next Update: 11/16 at 07:57 PM"));
 }
 
 void TestAlertsView::selectionSurvivesARestart()
 {
     writeDefinitions();
-    writeData(QStringLiteral("3Day.txt"), ":Product: Forecast\n# comment\n");
+    writeFile(_data + "/3Day.txt", ":Product: Forecast\n# comment\n");
     Preferences::shared().setOnline(false);
     load();
-    QCOMPARE(_view->nodeListMenu()->currentIndex(), 0);
     choose(2);
     _view->resize(640, 420);
     _view->cleanup();
-    QCOMPARE(QSettings().value(QLatin1String(AlertsView::kMenuIndexKey)).toInt(), 2);
-    QCOMPARE(QSettings().value(QLatin1String(AlertsView::kViewSizeKey)).toString(),
-             QStringLiteral("{640, 420}"));
-
+    QCOMPARE(QSettings().value("lastAlertMenuIndex").toInt(), 2);
+    QCOMPARE(QSettings().value("AlertsViewSize").toString(), "{640, 420}");
     load();
-    QCOMPARE(_view->nodeListMenu()->currentIndex(), 2);
-    QCOMPARE(_group->selectedNode(), nodeAt(2));
-    QCOMPARE(shownText(), QStringLiteral("Forecast\ncomment\n"));
+    QCOMPARE(_view->findChild<QComboBox *>()->currentIndex(), 2);
+    QCOMPARE(shown(), "Forecast\ncomment\n");
     QCOMPARE(_view->size(), QSize(640, 420));
 }
 
@@ -439,106 +335,42 @@ void TestAlertsView::emptyList()
     if (readable) {
         writeNodes({});
     } else {
-        QFile file(_definitions + "/DataAlerts.plist");
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("not a property list");
-        file.close();
+        writeFile(_definitions + "/DataAlerts.plist", "not a property list");
         ResourceLocator::setResourceFolder(_definitions); // the bundled file: nothing replaces it
-        QTest::ignoreMessage(QtWarningMsg,
-                             QRegularExpression(QStringLiteral("^Failed to load rootDict!")));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^Failed to load rootDict!"));
     }
-    QSettings().setValue(QLatin1String(AlertsView::kMenuIndexKey), 1);
+    QSettings().setValue("lastAlertMenuIndex", 1);
     load();
-    QCOMPARE(_view->nodeListMenu()->count(), 0);
-    QCOMPARE(_group->selectedNode(), nullptr);
-    for (QWidget *control : std::initializer_list<QWidget *>{
-             _view->nodeListMenu(), _view->refreshButton(), _view->dailyReportButton(),
-             _view->cancelNodeDownloadButton(), _view->scheduleNodeButton()})
-        QVERIFY(!control->isEnabled());
-    QCOMPARE(statusLine(), QString());
-    QCOMPARE(lastUpdateLine(), QString());
-    QCOMPARE(shownText(), QString());
-
-    _view->refreshDailyWeatherNode();
+    QCOMPARE(_view->findChild<QComboBox *>()->count(), 0);
+    QVERIFY(!_view->findChild<QComboBox *>()->isEnabled());
+    QCOMPARE(enabledButtons(_view.get(), {"Reload", "Reload Daily Report", "Cancel", "Schedule…"}),
+             (QList<bool>{false, false, false, false}));
+    QCOMPARE(statusLine() + labelStartingWith(_view.get(), "Last") + shown(), "");
+    _view->refreshDailyWeatherNode(); // none of the commands may act
     _view->refreshSelectedNodeData();
     _view->openScheduleWindowForNode();
     QVERIFY(!_sheet.isVisible());
     _view->cleanup();
-    QCOMPARE(QSettings().value(QLatin1String(AlertsView::kMenuIndexKey)).toInt(), 1);
-}
-
-void TestAlertsView::repeatedTitlesKeepTheirNodes()
-{
-    QList<QVariantMap> nodes;
-    for (const char *dest : {"a.txt", "b.txt", "c.txt"}) {
-        QVariantMap entry = node(QLatin1String(dest), QLatin1String(dest), "stall");
-        entry.insert(QStringLiteral("NodeTitle"), QStringLiteral("Same title"));
-        nodes.append(entry);
-        writeData(QLatin1String(dest), QByteArray("report ") + dest);
-    }
-    writeNodes(nodes);
-    load();
-    QCOMPARE(_view->nodeListMenu()->count(), 3);
-    for (int index : {2, 1, 0}) {
-        choose(index);
-        QCOMPARE(_group->selectedNode(), nodeAt(index));
-        QCOMPARE(shownText(), QStringLiteral("report ") + nodeAt(index)->fileName());
-    }
+    QCOMPARE(QSettings().value("lastAlertMenuIndex").toInt(), 1);
 }
 
 void TestAlertsView::plainTextInAFixedFont()
 {
-    writeDefinitions();
-    const QByteArray markup = "<html><b>Kp</b> &amp; <i>Ap</i>\n\tcolumn  aligned\n";
-    writeData(QStringLiteral("RSGA.txt"), markup);
+    // Repeated titles still stand for their own reports; markup is shown as it is.
+    QList<QVariantMap> nodes;
+    for (const char *dest : {"a.txt", "b.txt"}) {
+        nodes.append(node(dest, dest, "stall"));
+        nodes.last().insert("NodeTitle", "Same title");
+        writeFile(_data + '/' + dest, QByteArray("<html><b>Kp</b> &amp;\n\tcolumn  ") + dest);
+    }
+    writeNodes(nodes);
     load();
-    QCOMPARE(shownText(), QString::fromLatin1(markup));
-    const QFont font = _view->nodeDataTextView()->font();
-    QCOMPARE(font.family(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
-    QVERIFY(font.pointSizeF() >= 10.0);
-    QVERIFY(_view->nodeDataTextView()->isReadOnly());
-}
-
-void TestAlertsView::terminalPrintsWhatTheViewShows_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QString>("fixture");
-    QTest::addColumn<QByteArray>("lineEnd");
-    QTest::newRow("daily") << 0 << "rsga-20251225.txt" << QByteArray("\n");
-    QTest::newRow("highlights") << 1 << "wkhf-20251222.txt" << QByteArray("\n");
-    QTest::newRow("other") << 2 << "other-discussion-20251221.txt" << QByteArray("\n");
-    QTest::newRow("daily, CR LF") << 0 << "rsga-20251218.txt" << QByteArray("\r\n");
-    QTest::newRow("other, CR LF") << 2 << "other-srs-20000922.txt" << QByteArray("\r\n");
-}
-
-void TestAlertsView::terminalPrintsWhatTheViewShows()
-{
-    QFETCH(int, index);
-    QFETCH(QString, fixture);
-    QFETCH(QByteArray, lineEnd);
-    writeDefinitions();
-    QFile source(QStringLiteral(VANTOREL_FIXTURES_DIR "/bulletins/") + fixture);
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QByteArray bytes = source.readAll();
-    bytes.replace("\n", lineEnd);
-    bytes.replace(" - ", " \x96 ");
-    const QString fileNames[] = {"RSGA.txt", "WKHF.txt", "3Day.txt"};
-    writeData(fileNames[index], bytes);
-    QSettings().setValue(QLatin1String(AlertsView::kMenuIndexKey), index);
-    load();
-
-    QProcess process;
-    process.start(QStringLiteral(VANTOREL_BINARY),
-                  {QStringLiteral("report"), QStringLiteral("--definitions"), _definitions,
-                   QStringLiteral("--data-dir"), _data, fileNames[index]});
-    QVERIFY(process.waitForFinished(30000));
-    QCOMPARE(process.exitCode(), 0);
-    QString printed = QString::fromUtf8(process.readAllStandardOutput());
-    QVERIFY(printed.endsWith(QLatin1Char('\n')));
-    if (!shownText().endsWith(QLatin1Char('\n')))
-        printed.chop(1);
-    QCOMPARE(printed, shownText());
-    QVERIFY(!printed.contains(QLatin1Char('\r')));
+    choose(1);
+    QCOMPARE(shown(), "<html><b>Kp</b> &amp;\n\tcolumn  b.txt");
+    auto *text = _view->findChild<QPlainTextEdit *>();
+    QCOMPARE(text->font().family(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
+    QVERIFY(text->font().pointSizeF() >= 10.0);
+    QVERIFY(text->isReadOnly());
 }
 
 VANTOREL_TEST_MAIN(TestAlertsView)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <iterator>
+#include <vector>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -143,31 +145,60 @@ std::span<const ReportFormatter::Pass> ReportFormatter::otherReportsPasses()
 
 namespace {
 
-// One pass: the source with every occurrence replaced, written into the target (whose memory is
-// reused when it is large enough). False, with the target untouched, when nothing occurs.
-bool replaceInto(QStringView source, QStringView search, QStringView replacement, QString &target)
-{
-    qsizetype found = findFrom(source, search, 0);
-    if (found < 0)
-        return false;
+// How much of the text goes through all the passes at a time. A pass over a whole 10 MB text
+// reads and writes 20 MB (the characters are 16 bits wide) in main memory; a piece this size
+// stays in the processor's cache from the first pass to the last, so the text is read once and
+// the result written once, however many passes there are.
+constexpr qsizetype kPieceLength = 16 * 1024;
 
-    // One scan from left to right: copy what lies between occurrences, then the replacement, and
-    // go on behind the occurrence. The result is built apart from the source, so what a
-    // replacement inserts is never searched again.
-    target.resize(0);
-    target.reserve(replacement.size() > search.size()
-                       ? source.size() +
-                             (source.size() / search.size()) * (replacement.size() - search.size())
-                       : source.size());
-    qsizetype copied = 0;
-    while (found >= 0) {
-        target.append(source.mid(copied, found - copied));
-        target.append(replacement);
-        copied = found + search.size();
-        found = findFrom(source, search, copied);
+// Makes room for `count` more characters at the end of the buffer, which must not be shared, and
+// gives where they begin; the buffer's size counts them until the caller sets it again.
+char16_t *extend(QString &buffer, qsizetype count)
+{
+    const qsizetype size = buffer.size();
+    if (buffer.capacity() < size + count)
+        buffer.reserve(std::max(size + count, 2 * buffer.capacity()));
+    buffer.resize(size + count);
+    return reinterpret_cast<char16_t *>(buffer.data()) + size;
+}
+
+// One pass over the part of the text that has reached it: every occurrence in the input is
+// replaced and the result appended to the output. Unless the input ends the text, its last
+// characters that could begin an occurrence completed only by text still to come are left for
+// the next call. Gives how many characters of the input were done.
+qsizetype runPass(const Pass &pass, QStringView input, bool atEnd, QString &output)
+{
+    const qsizetype length = pass.search.size();
+    const qsizetype size = input.size();
+    // Occurrences are at least `length` characters apart, and each may make the text longer.
+    const qsizetype growth = std::max<qsizetype>(0, pass.replacement.size() - length);
+    const qsizetype start = output.size();
+    char16_t *const begin = extend(output, size + size / length * growth);
+    char16_t *out = begin;
+    const char16_t *in = input.utf16();
+    const char16_t *replacement = pass.replacement.utf16();
+    qsizetype done = 0;
+    for (qsizetype found = findFrom(input, pass.search, 0); found >= 0;
+         found = findFrom(input, pass.search, done)) {
+        out = std::copy(in + done, in + found, out);
+        out = std::copy(replacement, replacement + pass.replacement.size(), out);
+        done = found + length;
     }
-    target.append(source.mid(copied));
-    return true;
+    // No occurrence begins before the last `length - 1` characters, so all before them is final.
+    const qsizetype end = atEnd ? size : std::max(done, size - length + 1);
+    out = std::copy(in + done, in + end, out);
+    output.resize(start + (out - begin));
+    return end;
+}
+
+// Drops the first `count` characters, keeping the buffer's memory.
+void dropFront(QString &buffer, qsizetype count)
+{
+    if (count == 0)
+        return;
+    char16_t *data = reinterpret_cast<char16_t *>(buffer.data());
+    std::copy(data + count, data + buffer.size(), data);
+    buffer.resize(buffer.size() - count);
 }
 
 } // namespace
@@ -175,24 +206,45 @@ bool replaceInto(QStringView source, QStringView search, QStringView replacement
 QString ReportFormatter::replaceAll(const QString &text, QStringView search,
                                     QStringView replacement)
 {
-    QString result;
-    if (search.isEmpty() || !replaceInto(text, search, replacement, result))
-        return text;
-    result.squeeze();
-    return result;
+    const Pass pass{search, replacement};
+    return applyPasses(text, {&pass, 1});
 }
 
 QString ReportFormatter::applyPasses(const QString &text, std::span<const Pass> passes)
 {
-    // Two buffers take turns, each pass writing into the one the pass before read from: a long
-    // text then takes its memory from the system twice, not once per pass.
-    QString result = text;
-    QString spare;
-    for (const Pass &pass : passes) {
-        if (!pass.search.isEmpty() && replaceInto(result, pass.search, pass.replacement, spare))
-            result.swap(spare);
+    std::vector<Pass> active;
+    std::copy_if(passes.begin(), passes.end(), std::back_inserter(active),
+                 [](const Pass &pass) { return !pass.search.isEmpty(); });
+    if (active.empty() || text.isEmpty())
+        return text;
+
+    // The passes work as a pipeline, piece by piece: each hands what it has done to the next,
+    // which works on it while it is still in the cache. The result is that of each pass over the
+    // whole text in turn, because a pass holds back only the few characters that could begin an
+    // occurrence not yet complete, and takes them up again with the next piece.
+    std::vector<QString> waiting(active.size()); // handed to each pass after the first, not done
+    // A little more than the text: most passes shorten it, and the few that lengthen it seldom
+    // match. The memory is kept as it is at the end (unless a text grew far beyond it): fitted to
+    // the exact size, it would not fit the next text of about the same size, which would then
+    // take fresh memory from the system page by page, at a cost well above that of the passes.
+    QString result;
+    result.reserve(text.size() + text.size() / 64 + 64);
+    qsizetype firstDone = 0; // the first pass reads the text itself
+    for (qsizetype end = 0; end < text.size();) {
+        end = std::min(text.size(), end + kPieceLength);
+        const bool atEnd = end == text.size();
+        for (size_t k = 0; k < active.size(); ++k) {
+            QString &output = k + 1 < active.size() ? waiting[k + 1] : result;
+            if (k == 0) {
+                firstDone += runPass(active[0], QStringView(text).mid(firstDone, end - firstDone),
+                                     atEnd, output);
+            } else {
+                dropFront(waiting[k], runPass(active[k], waiting[k], atEnd, output));
+            }
+        }
     }
-    result.squeeze();
+    if (result.capacity() > result.size() + result.size() / 8 + kPieceLength)
+        result.squeeze();
     return result;
 }
 
@@ -223,5 +275,6 @@ QString ReportFormatter::reformat(const QString &text, const QString &dataFileNa
 QString ReportFormatter::withUnixLineBreaks(const QString &text)
 {
     // CR LF first, so that its CR does not count as a break of its own.
-    return replaceAll(replaceAll(text, u"\r\n", u"\n"), u"\r", u"\n");
+    static constexpr std::array<Pass, 2> kLineBreakPasses{{{u"\r\n", u"\n"}, {u"\r", u"\n"}}};
+    return applyPasses(text, kLineBreakPasses);
 }

@@ -23,17 +23,16 @@ public:
         int status = 200;
         QByteArray reason = "OK";
         // Content-Length to declare; by default the total of the chunks. -1 declares none.
-        std::optional<qint64> declaredLength;
-        QList<QByteArray> chunks;
+        std::optional<qint64> declaredLength{};
+        QList<QByteArray> chunks{};
         int pauseMs = 0;                // between chunks
         int firstByteDelayMs = 0;       // before the status line
         bool stallAfterHeaders = false; // send the headers, then nothing, never close
         bool stallForever = false;      // send nothing at all
         bool abortAfterChunks = false;  // reset the connection after the chunks
-        bool endlessBody = false;       // after the headers, data until the client gives up
         bool endlessHeaders = false;    // header lines that never end
-        QByteArray location;            // Location header (for redirects)
-        QList<QPair<QByteArray, QByteArray>> extraHeaders;
+        QByteArray location{};          // Location header (for redirects)
+        QList<QPair<QByteArray, QByteArray>> extraHeaders{};
     };
 
     explicit TestHttpServer(QObject *parent = nullptr);
@@ -53,9 +52,6 @@ public:
     {
         return _lastHeaders.value(path);
     }
-    int openConnections() const;
-    // Keeps connections open for further requests, as real servers do (off: one per connection).
-    void setKeepAlive(bool on) { _keepAlive = on; }
     // Answers every nth request, whatever its path, with 500 instead (0 turns this off).
     void setFailEvery(int n) { _failEvery = n; }
     int totalRequests() const { return _total; }
@@ -75,7 +71,6 @@ private:
     void readRequest(QTcpSocket *socket);
     void answer(QTcpSocket *socket, const QByteArray &path);
     void sendChunks(QPointer<QTcpSocket> socket, Script script, int index);
-    void finish(QPointer<QTcpSocket> socket, const Script &script);
     // Keeps the socket's send buffer topped up with the same block until the peer goes away.
     void stream(QPointer<QTcpSocket> socket, const QByteArray &block);
 
@@ -85,7 +80,6 @@ private:
     QHash<QByteArray, QHash<QByteArray, QByteArray>> _lastHeaders;
     QHash<QTcpSocket *, QByteArray> _buffers;
     int _failEvery = 0;
-    bool _keepAlive = false;
     int _total = 0;
 };
 

@@ -11,12 +11,11 @@
 // touch the real user's. The bundled resources of the build tree are used.
 class TestEnvironment {
 public:
-    // Before the application object is created.
+    // Before the application object is created; after it exists (names, resources, fresh
+    // preferences); after the last test, when the network work ends so that the sanitizer build's
+    // leak checker sees a finished process.
     static void setUp();
-    // After it exists: names, resource folder, fresh preferences.
     static void setUpApplication();
-    // After the last test, before the application object goes: ends the network work, so that
-    // the leak checker of the sanitizer build sees a finished process.
     static void tearDownApplication();
 
     static QString home();
@@ -30,8 +29,7 @@ public:
     static void setNow(const QDateTime &now);
     static void advance(qint64 seconds);
 
-    // This process's environment without any display, for running the command-line modes the
-    // way a script on a server does.
+    // This process's environment without any display, as a script on a server has it.
     static QProcessEnvironment headlessEnvironment();
 
     static bool writeFile(const QString &path, const QByteArray &bytes);

@@ -16,13 +16,10 @@ TestHttpServer::~TestHttpServer()
 {
     // The sockets die with the listening server; they must not report back to a half-destroyed
     // object on the way.
-    const QList<QTcpSocket *> sockets = _buffers.keys();
-    for (QTcpSocket *socket : sockets) {
+    for (QTcpSocket *socket : _buffers.keys()) {
         socket->disconnect(this);
         socket->abort();
     }
-    _buffers.clear();
-    _server.close();
 }
 
 QByteArray TestHttpServer::bytes(int size, char seed)
@@ -37,31 +34,6 @@ QByteArray TestHttpServer::picture(int size)
 {
     const QByteArray signature("\x89PNG\r\n\x1A\n", 8);
     return signature + bytes(std::max(0, size - int(signature.size())));
-}
-
-void TestHttpServer::route(const QByteArray &path, const Script &script)
-{
-    _routes.insert(path, script);
-}
-
-void TestHttpServer::serve(const QByteArray &path, const QByteArray &body)
-{
-    Script script;
-    script.chunks = {body};
-    route(path, script);
-}
-
-void TestHttpServer::stall(const QByteArray &path)
-{
-    Script script;
-    script.declaredLength = 100;
-    script.stallAfterHeaders = true;
-    route(path, script);
-}
-
-QString TestHttpServer::baseUrl() const
-{
-    return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());
 }
 
 QString TestHttpServer::url(const QByteArray &path) const

@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QPointer>
 #include <QTcpServer>
-#include <QUrl>
 
 #include <optional>
 
@@ -38,13 +37,19 @@ public:
     explicit TestHttpServer(QObject *parent = nullptr);
     ~TestHttpServer() override;
 
-    void route(const QByteArray &path, const Script &script);
+    void route(const QByteArray &path, const Script &script) { _routes.insert(path, script); }
     // A plain 200 answer with the body in one piece.
-    void serve(const QByteArray &path, const QByteArray &body);
+    void serve(const QByteArray &path, const QByteArray &body) { route(path, {.chunks = {body}}); }
     // Headers that promise 100 bytes, then nothing: a transfer that stays under way.
-    void stall(const QByteArray &path);
+    void stall(const QByteArray &path)
+    {
+        route(path, {.declaredLength = 100, .stallAfterHeaders = true});
+    }
     QString url(const QByteArray &path) const;
-    QString baseUrl() const;
+    QString baseUrl() const
+    {
+        return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());
+    }
 
     int requestCount(const QByteArray &path) const { return _requests.value(path); }
     // The request headers of the last request for the path, names in lower case.

@@ -21,17 +21,6 @@ QString transform(int kind, const QString &text)
     return ReportFormatter::munchOtherReportsFromString(text);
 }
 
-QByteArray utf16WithMark(const QString &text, bool bigEndian)
-{
-    QByteArray bytes = bigEndian ? QByteArray("\xFE\xFF", 2) : QByteArray("\xFF\xFE", 2);
-    for (const QChar c : text) {
-        const char high = char(c.unicode() >> 8);
-        const char low = char(c.unicode() & 0xFF);
-        bytes.append(bigEndian ? high : low).append(bigEndian ? low : high);
-    }
-    return bytes;
-}
-
 QStringList fixtureNames()
 {
     return QDir(QStringLiteral(VANTOREL_FIXTURES_DIR "/bulletins"))
@@ -52,11 +41,7 @@ class TestAlertsReformat : public QObject {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        TestEnvironment::resetState();
-        _folder = TestEnvironment::makeFolder(QStringLiteral("bulletins"));
-    }
+    void init() { TestEnvironment::resetState(); }
 
     // Leftmost first, without overlap, and what was put in is not looked at again.
     void replacementPass_data()
@@ -212,10 +197,17 @@ private slots:
                      char16_t(byte));
     }
 
-    void emptyReportsAreNotShown()
+    // A file is read, decoded and reformatted by its data file name; one without text is not shown.
+    void reportFromFile()
     {
-        for (const QByteArray &bytes : {QByteArray(), QByteArray("\xFE\xFF")})
-            QVERIFY(!BulletinFile::reportText(write(QStringLiteral("empty.txt"), bytes), "x.txt"));
+        const QString path = TestEnvironment::makeFolder(QStringLiteral("reports")) + "/data.txt";
+        QVERIFY(TestEnvironment::writeFile(path, ":Product: R\nIA. 1\x96-2"));
+        QCOMPARE(BulletinFile::reportText(path, QStringLiteral("RSGA.txt")),
+                 QStringLiteral("R\n\n1A. 1--2"));
+        for (const QByteArray &bytes : {QByteArray(), QByteArray("\xFE\xFF")}) {
+            QVERIFY(TestEnvironment::writeFile(path, bytes));
+            QVERIFY(!BulletinFile::reportText(path, QStringLiteral("x.txt")));
+        }
     }
 
     void realBulletinsKeepTheirContent_data()
@@ -257,54 +249,6 @@ private slots:
         QVERIFY(!output.contains(QStringLiteral(":Product:")));
         QVERIFY(!output.contains(QStringLiteral("\n#")) || kind == Highlights);
     }
-
-    void realBulletinsInOtherEncodings_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const QString &name : fixtureNames())
-            QTest::newRow(qPrintable(name)) << name;
-    }
-
-    void realBulletinsInOtherEncodings()
-    {
-        QFETCH(QString, name);
-        const QString dataFileName = name.startsWith(QLatin1String("rsga"))   ? "RSGA.txt"
-                                     : name.startsWith(QLatin1String("wkhf")) ? "WKHF.txt"
-                                                                              : "other.txt";
-        const QByteArray bytes = fixture(name);
-        const auto shown = [&](const QString &variant, const QByteArray &data) {
-            return BulletinFile::reportText(write(variant + name, data), dataFileName);
-        };
-        const std::optional<QString> plain = shown({}, bytes);
-        QVERIFY(plain);
-        // The same bulletin as UTF-16, either byte order, reads the same; so does a dash written
-        // as Mac OS Roman 0x96.
-        const QString text = QString::fromLatin1(bytes);
-        QCOMPARE(shown(QStringLiteral("be-"), utf16WithMark(text, true)), plain);
-        QCOMPARE(shown(QStringLiteral("le-"), utf16WithMark(text, false)), plain);
-        QCOMPARE(shown(QStringLiteral("dash-"), QByteArray(bytes).replace(" - ", " \x96 ")), plain);
-
-        // With CR LF line ends it shows the same lines, except the highlights, whose carriage
-        // returns become paragraph breaks: every line is then a paragraph of its own.
-        const std::optional<QString> crlf =
-            shown(QStringLiteral("crlf-"), QByteArray(bytes).replace("\n", "\r\n"));
-        QVERIFY(crlf);
-        if (dataFileName != QLatin1String("WKHF.txt")) {
-            QCOMPARE(*crlf, *plain);
-        } else {
-            QVERIFY(!crlf->contains(QLatin1Char('\r')));
-            QVERIFY(crlf->count(QStringLiteral("\n\n")) > plain->count(QStringLiteral("\n\n")));
-        }
-    }
-
-private:
-    QString write(const QString &name, const QByteArray &bytes)
-    {
-        const QString path = _folder + QLatin1Char('/') + name;
-        return TestEnvironment::writeFile(path, bytes) ? path : QString();
-    }
-
-    QString _folder;
 };
 
 VANTOREL_TEST_CORE_MAIN(TestAlertsReformat)

@@ -27,51 +27,28 @@ private slots:
 
     void cleanup() { useTimeZone("UTC"); }
 
-    // Both ways where the conversion can be reversed.
     void julianDates_data()
     {
-        columns<QDateTime, double, bool>("date", "jd", "reversible");
-        QTest::newRow("J2000") << utc(2000, 1, 1, 12) << 2451545.0 << true;
-        QTest::newRow("1980") << utc(1980, 1, 1) << 2444239.5 << true;
-        QTest::newRow("epoch 1980 Jan 0.0") << utc(1979, 12, 31) << 2444238.5 << true;
-        QTest::newRow("February, counted in the year before")
-            << utc(2008, 2, 29, 18) << 2454526.25 << true;
-        QTest::newRow("March, the first month of the year") << utc(2008, 3, 1) << 2454526.5 << true;
-        QTest::newRow("1900 lunation base day") << utc(1900, 1, 1) << 2415020.5 << true;
+        columns<QDateTime, double>("date", "jd");
+        QTest::newRow("J2000") << utc(2000, 1, 1, 12) << 2451545.0;
+        QTest::newRow("epoch 1980 Jan 0.0") << utc(1979, 12, 31) << 2444238.5;
+        QTest::newRow("February, counted in the year before") << utc(2008, 2, 29, 18) << 2454526.25;
+        QTest::newRow("March, the first month of the year") << utc(2008, 3, 1) << 2454526.5;
+        QTest::newRow("1900 lunation base day") << utc(1900, 1, 1) << 2415020.5;
         QTest::newRow("last second of a year")
-            << utc(1999, 12, 31, 23, 59, 59) << 2451544.5 - 1.0 / 86400.0 << true;
+            << utc(1999, 12, 31, 23, 59, 59) << 2451544.5 - 1.0 / 86400.0;
         QTest::newRow("seconds count, milliseconds do not")
-            << utc(2000, 1, 1, 12, 0, 1).addMSecs(999) << 2451545.0 + 1.0 / 86400.0 << false;
+            << utc(2000, 1, 1, 12, 0, 1).addMSecs(999) << 2451545.0 + 1.0 / 86400.0;
     }
 
+    // Both ways; seconds truncate on the way back.
     void julianDates()
     {
         QFETCH(QDateTime, date);
         QFETCH(double, jd);
         QCOMPARE(MoonCalc::julianDateForDate(date), jd);
-        if (fetch<bool>("reversible"))
-            QCOMPARE(MoonCalc::calendarDateForJulianDate(jd), date);
-        // Seconds truncate on the way back.
-        QCOMPARE(MoonCalc::calendarDateForJulianDate(jd + 0.9 / 86400.0).time().second(),
-                 date.time().second());
-    }
-
-    void dayNumbersCountOnFromTheMonthStart_data()
-    {
-        columns<int, int, int, QDate>("year", "month", "day", "expected");
-        QTest::newRow("day 0 of March, leap year") << 2024 << 3 << 0 << QDate(2024, 2, 29);
-        QTest::newRow("day 0 of January") << 2024 << 1 << 0 << QDate(2023, 12, 31);
-        QTest::newRow("day 32 of December") << 2023 << 12 << 32 << QDate(2024, 1, 1);
-        QTest::newRow("day 30 of February") << 2024 << 2 << 30 << QDate(2024, 3, 1);
-    }
-
-    void dayNumbersCountOnFromTheMonthStart()
-    {
-        const QDateTime date =
-            MoonCalc::dateWithYear(fetch<int>("year"), fetch<int>("month"), fetch<int>("day"), 0, 0,
-                                   0, MoonCalc::defaultTimeZone());
-        QCOMPARE(date.date(), fetch<QDate>("expected"));
-        QCOMPARE(date.time(), QTime(0, 0));
+        QCOMPARE(MoonCalc::calendarDateForJulianDate(jd + 0.9 / 86400.0),
+                 date.addMSecs(-date.time().msec()));
     }
 
     void gmtShiftUsesTheCurrentOffset()
@@ -138,23 +115,15 @@ private slots:
     {
         MoonCalc calc;
         calc.setDate(utc(2008, 1, 1));
-        const MoonCalc::PhaseArray &current = calc.currentPhases();
-        QCOMPARE(current[0], MoonCalc::getTruePhase(1335, 0.0));
-        QCOMPARE(current[5], MoonCalc::getTruePhase(1336, 0.75));
-        const QStringList expected = {"2007-12-09 17:41", "2007-12-17 10:17", "2007-12-24 01:16",
-                                      "2007-12-31 07:51", "2008-01-08 11:37", "2008-01-30 05:03"};
-        for (int slot = 0; slot < 6; ++slot)
-            QCOMPARE(minutes(current[slot]), expected.at(slot));
-
-        // The lunations on either side, and the phase dates drawn from them.
+        QStringList current;
+        for (const double jd : calc.currentPhases())
+            current << minutes(jd);
+        QCOMPARE(current,
+                 QStringList({"2007-12-09 17:41", "2007-12-17 10:17", "2007-12-24 01:16",
+                              "2007-12-31 07:51", "2008-01-08 11:37", "2008-01-30 05:03"}));
         QCOMPARE(calc.previousPhases()[0], MoonCalc::getTruePhase(1334, 0.0));
-        QCOMPARE(calc.previousPhases()[4], current[0]);
-        QCOMPARE(calc.nextPhases()[0], current[4]);
         QCOMPARE(calc.nextPhases()[1], MoonCalc::getTruePhase(1336, 0.25));
-        QCOMPARE(calc.lastFullMoon().toString("yyyy-MM-dd HH:mm"), QString("2007-12-24 01:16"));
-        QCOMPARE(calc.lastLastQuarter().toString("yyyy-MM-dd HH:mm"), QString("2007-12-31 07:51"));
-        QCOMPARE(calc.nextNewMoon().toString("yyyy-MM-dd HH:mm"), QString("2008-01-08 11:37"));
-        QCOMPARE(calc.currentFullMoon(), calc.lastFullMoon());
+        QCOMPARE(calc.lastFullMoon(), MoonCalc::calendarDateForJulianDate(calc.currentPhases()[2]));
         QCOMPARE(calc.nextFullMoon(), MoonCalc::calendarDateForJulianDate(calc.nextPhases()[2]));
         QVERIFY(!calc.isBlueMoon());
     }
@@ -195,24 +164,6 @@ private slots:
         QCOMPARE(MoonCalc::getMoonPhaseAsInteger(phase), fetch<int>("octant"));
         if (twentieth >= 0)
             QCOMPARE(MoonCalc::getPreciseMoonPhaseAsInteger(phase), twentieth);
-    }
-
-    void keplerSolvesTheEquation_data()
-    {
-        columns<double, double>("meanAnomaly", "eccentricity");
-        QTest::newRow("zero") << 0.0 << 0.016718;
-        QTest::newRow("quarter") << 90.0 << 0.016718;
-        QTest::newRow("late") << 359.5 << 0.016718;
-        QTest::newRow("eccentric orbit") << 200.0 << 0.6;
-    }
-
-    void keplerSolvesTheEquation()
-    {
-        QFETCH(double, meanAnomaly);
-        QFETCH(double, eccentricity);
-        const double e = MoonCalc::kepler(meanAnomaly, eccentricity);
-        const double m = meanAnomaly * 0.017453292519943295;
-        QVERIFY(std::abs(e - eccentricity * std::sin(e) - m) <= 1e-6);
     }
 
     void fullMoonDay()
@@ -291,30 +242,22 @@ private slots:
 
         MoonCalc calc;
         QDateTime date(QDate(1995, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone());
-        int checked = 0;
         // Every 7 h 13 min 17 s, so that each hour of the day is visited: 6000 dates over 5 years.
         for (int i = 0; i < 6000; ++i, date = date.addSecs(7 * 3600 + 13 * 60 + 17)) {
             calc.setDate(date);
-            for (Getter last : lasts) {
-                const QDateTime phase = (calc.*last)();
-                if (phase > date || phase.secsTo(date) > month)
-                    QFAIL(qPrintable(
-                        QStringLiteral("%1: last phase %2")
-                            .arg(date.toString(Qt::ISODate), phase.toString(Qt::ISODate))));
-            }
-            for (Getter next : nexts) {
-                const QDateTime phase = (calc.*next)();
-                if (phase <= date || date.secsTo(phase) > month)
-                    QFAIL(qPrintable(
-                        QStringLiteral("%1: next phase %2")
-                            .arg(date.toString(Qt::ISODate), phase.toString(Qt::ISODate))));
+            for (int j = 0; j < 4; ++j) {
+                const QDateTime last = (calc.*lasts[j])();
+                const QDateTime next = (calc.*nexts[j])();
+                if (last > date || last.secsTo(date) > month || next <= date ||
+                    date.secsTo(next) > month)
+                    QFAIL(qPrintable(date.toString(Qt::ISODate) + ": " +
+                                     last.toString(Qt::ISODate) + ", " +
+                                     next.toString(Qt::ISODate)));
             }
             if (calc.nextNewMoon() > date)
                 QCOMPARE(calc.upcomingNewMoon(), calc.nextNewMoon());
             QCOMPARE(calc.previousPhases()[4], calc.currentPhases()[0]);
-            ++checked;
         }
-        QCOMPARE(checked, 6000);
     }
 
 private:

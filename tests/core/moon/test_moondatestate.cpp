@@ -97,12 +97,10 @@ private slots:
         QTest::newRow("last second")
             << QDateTime(QDate(2024, 3, 15), QTime(23, 59, 59), MoonCalc::defaultTimeZone())
             << true;
-        QTest::newRow("yesterday") << local(2024, 3, 14, 23, 59) << false;
         QTest::newRow("tomorrow") << local(2024, 3, 16) << false;
         // 2023 has no 29 February, so 15 March 2023 is day 74 like 15 March 2024 is 75; day 75 of
         // 2023 is the 16th.
         QTest::newRow("same day of the year, a year back") << local(2023, 3, 16) << false;
-        QTest::newRow("same day of the year, a year on") << local(2025, 3, 16) << false;
         QTest::newRow("same calendar day, a year on") << local(2025, 3, 15) << false;
         // In Tokyo it is already the 16th at 15:42 universal time.
         QTest::newRow("read in the date's own zone")
@@ -155,42 +153,28 @@ private slots:
         QCOMPARE(state.moonCalc().date(), morning);
     }
 
-    void nextPhaseCommandsMoveForward()
+    // From a full or new moon the command reaches the following one, also where the true new moon
+    // comes before its mean time and the calculator's own "next" is the date itself.
+    void nextPhaseCommands()
     {
-        MoonDateState state;
-        state.setDateToNextFullMoon();
-        QVERIFY(state.customDate());
-        QCOMPARE(state.moonCalc().moonPhaseAsInteger(), 4);
-        QVERIFY(state.moonCalc().date() > kNow);
-        const QDateTime fullMoon = state.moonCalc().date();
-
-        state.setDateToNextFullMoon();
-        const qint64 lunation = fullMoon.secsTo(state.moonCalc().date());
-        QVERIFY(lunation > 29 * 86400 && lunation < 30 * 86400);
-    }
-
-    // From a new moon the next-new-moon command always reaches the following one, also where the
-    // true new moon comes before its mean time and the calculator's own "next" is the date itself.
-    void newMoonAfterNewMoon()
-    {
-        MoonDateState state;
-        state.checkSetDateToToday(local(2008, 1, 1));
         int earlyNewMoons = 0;
-        for (int i = 0; i < 40; ++i) {
-            const QDateTime before = state.moonCalc().date();
-            state.setDateToNextNewMoon();
-            const QDateTime after = state.moonCalc().date();
-            QCOMPARE(state.moonCalc().moonPhaseAsInteger(), 0);
-            if (i > 0) {
+        for (const int octant : {0, 4}) {
+            MoonDateState state;
+            state.checkSetDateToToday(local(2008, 1, 1));
+            for (int i = 0; i < 40; ++i) {
+                const QDateTime before = state.moonCalc().date();
+                octant ? state.setDateToNextFullMoon() : state.setDateToNextNewMoon();
+                const QDateTime after = state.moonCalc().date();
+                QCOMPARE(state.moonCalc().moonPhaseAsInteger(), octant);
+                QVERIFY(state.customDate());
                 const double days = before.secsTo(after) / 86400.0;
-                QVERIFY2(days > 29.2 && days < 29.9,
+                QVERIFY2(i == 0 || (days > 29.2 && days < 29.9),
                          qPrintable(before.toString(Qt::ISODate) + " to " +
                                     after.toString(Qt::ISODate)));
+                earlyNewMoons += !octant && state.moonCalc().nextNewMoon() <= after;
             }
-            earlyNewMoons += state.moonCalc().nextNewMoon() <= after;
         }
-        // The case that needs the correction did come up.
-        QVERIFY(earlyNewMoons > 5);
+        QVERIFY(earlyNewMoons > 5); // the case that needs the correction did come up
     }
 
     void hemisphere()

@@ -49,8 +49,7 @@ private slots:
 
     void commandOrder_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QStringList>("order");
+        columns<QString, QStringList>("command", "order");
         const QStringList commandOrder{"Sun", "Aurora", "Graphs", "Earth", "Alerts"};
         QTest::newRow("update all")
             << "update" << QStringList{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
@@ -61,7 +60,6 @@ private slots:
     void commandOrder()
     {
         QFETCH(QString, command);
-        QFETCH(QStringList, order);
         addNodes(1, true, command == QLatin1String("scheduled"),
                  command == QLatin1String("startup"));
         TestEnvironment::setNow(QDateTime::currentDateTime().addDays(1));
@@ -71,7 +69,7 @@ private slots:
             _core->runStartupDownloads();
         else
             _core->runAllScheduledUpdates();
-        QCOMPARE(failedGroups(), order);
+        QCOMPARE(failedGroups(), fetch<QStringList>("order"));
     }
 
     void goingOffline()
@@ -134,40 +132,6 @@ private slots:
         _core->stopScheduler();
         _core->stopScheduler();
         QVERIFY(!_core->schedulerRunning());
-    }
-
-    void timerTicksQueueDueNodes()
-    {
-        const QDateTime start(QDate(2026, 6, 1), QTime(12, 0));
-        TestEnvironment::setNow(start);
-        const QList<Node *> nodes = addNodes(2, false);
-        Node *sunFast = nodes[0];    // Sun0: every 5 minutes
-        Node *alertsSlow = nodes[8]; // Alerts0: every hour
-        Node *off = nodes[2];        // Graphs0: not automatic
-        sunFast->setAutoUpdates(true);
-        sunFast->setAutoUpdateRate(0);
-        alertsSlow->setAutoUpdates(true);
-        alertsSlow->setAutoUpdateRate(3);
-        off->setAutoUpdateRate(0);
-
-        _core->goOnline();
-        TestEnvironment::advance(4 * 60);
-        _core->schedulerFired();
-        QVERIFY(!sunFast->isDownloading());
-
-        TestEnvironment::advance(60); // five minutes after the last update: due
-        _core->schedulerFired();
-        QVERIFY(sunFast->isDownloading());
-        QVERIFY(!alertsSlow->isDownloading());
-        QVERIFY(!off->isDownloading());
-
-        TestEnvironment::advance(55 * 60);
-        _core->schedulerFired();
-        QVERIFY(alertsSlow->isDownloading());
-        QVERIFY(!off->isDownloading());
-        // The running one is not queued again while it downloads.
-        QCOMPARE(_core->sunGroup()->downloadQueue().size(), 1);
-        _core->cancelAllDownloads();
     }
 
     void offlineTicksDoNothing()

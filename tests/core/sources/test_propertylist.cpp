@@ -6,6 +6,7 @@
 #include "core/sources/PropertyList.h"
 #include "core/util/ResourceLocator.h"
 
+#include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QtTest>
@@ -19,50 +20,33 @@ using Entries = QList<QPair<QString, QString>>;
 // long form, with their length as an integer object of its own.
 QByteArray binaryDictionary(const Entries &entries)
 {
-    QByteArray out("bplist00");
-    QList<qsizetype> offsets;
-    const auto appendUtf16 = [&](const QString &text) {
-        offsets << out.size();
-        if (text.size() < 15) {
-            out.append(char(0x60 | text.size()));
-        } else {
-            out.append(char(0x6F));
-            out.append(char(0x11));
-            out.append(char(text.size() >> 8));
-            out.append(char(text.size() & 0xFF));
-        }
-        for (const QChar c : text) {
-            out.append(char(c.unicode() >> 8));
-            out.append(char(c.unicode() & 0xFF));
-        }
-    };
+    QByteArray out;
+    QDataStream stream(&out, QIODevice::WriteOnly); // big-endian, as the format wants
+    stream.writeRawData("bplist00", 8);
+    QList<quint16> offsets{8};
     const int count = int(entries.size());
-    offsets << out.size();
-    out.append(char(0xD0 | count));
-    for (int i = 0; i < count; ++i)
-        out.append(char(1 + i));
-    for (int i = 0; i < count; ++i)
-        out.append(char(1 + count + i));
+    stream << quint8(0xD0 | count); // keys are objects 1 to count, values the ones after
+    for (int i = 1; i <= 2 * count; ++i)
+        stream << quint8(i);
+    QStringList strings;
     for (const auto &entry : entries)
-        appendUtf16(entry.first);
+        strings << entry.first;
     for (const auto &entry : entries)
-        appendUtf16(entry.second);
-
-    const qsizetype table = out.size();
-    for (const qsizetype offset : offsets) {
-        out.append(char(offset >> 8));
-        out.append(char(offset & 0xFF));
+        strings << entry.second;
+    for (const QString &text : strings) {
+        offsets << quint16(out.size());
+        if (text.size() < 15)
+            stream << quint8(0x60 | text.size());
+        else
+            stream << quint8(0x6F) << quint8(0x11) << quint16(text.size());
+        for (const QChar c : text)
+            stream << quint16(c.unicode());
     }
-    const auto appendWord = [&](quint64 value) {
-        for (int shift = 56; shift >= 0; shift -= 8)
-            out.append(char((value >> shift) & 0xFF));
-    };
-    out.append(QByteArray(6, '\0'));
-    out.append(char(2)); // offset size
-    out.append(char(1)); // reference size
-    appendWord(quint64(offsets.size()));
-    appendWord(0); // the root is the first object
-    appendWord(quint64(table));
+    const quint64 table = quint64(out.size());
+    for (const quint16 offset : offsets)
+        stream << offset;
+    stream.writeRawData("\0\0\0\0\0\0\x02\x01", 8); // offsets of 2 bytes, references of 1
+    stream << quint64(offsets.size()) << quint64(0) << table;
     return out;
 }
 
@@ -204,10 +188,8 @@ private slots:
         // Each of these aborted the program. Loading one as a definition file must now either read
         // it or refuse it with the usual warning, never stop.
         QFETCH(QString, path);
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray bytes = file.readAll();
-        const std::optional<QVariant> root = PropertyList::fromData(bytes);
+        const std::optional<QVariant> root =
+            PropertyList::fromData(TestEnvironment::readFile(path));
         const bool dictionary = root && root->typeId() == QMetaType::QVariantMap;
 
         const QString folder = TestEnvironment::makeFolder(QStringLiteral("reproducer"));

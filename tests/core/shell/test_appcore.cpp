@@ -62,6 +62,8 @@ private slots:
         QFETCH(QString, command);
         addNodes(1, true, command == QLatin1String("scheduled"),
                  command == QLatin1String("startup"));
+        if (command != QLatin1String("update"))
+            addNodes(1, true); // neither automatic nor at start-up: left out
         TestEnvironment::setNow(QDateTime::currentDateTime().addDays(1));
         if (command == QLatin1String("update"))
             _core->updateAllNodes();

@@ -16,7 +16,8 @@ TestTlsServer::TestTlsServer(QObject *parent) : QObject(parent)
     configuration.setPrivateKey(QSslKey(key.readAll(), QSsl::Rsa));
     _server.setSslConfiguration(configuration);
     // Connections go through their handshake on their own; nothing is ever served.
-    _server.listen(QHostAddress::LocalHost, 0);
+    if (!_server.listen(QHostAddress::LocalHost, 0))
+        qFatal("test TLS server cannot listen on the loopback interface");
 }
 
 QString TestTlsServer::url(const QString &path) const

@@ -11,7 +11,6 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <plist/plist.h>
@@ -21,17 +20,8 @@
 
 namespace {
 
-std::unique_ptr<QTemporaryDir> &homeDir()
-{
-    static std::unique_ptr<QTemporaryDir> dir;
-    return dir;
-}
-
-QDateTime &fixedNow()
-{
-    static QDateTime now;
-    return now;
-}
+std::unique_ptr<QTemporaryDir> s_home;
+QDateTime s_now;
 
 plist_t toPlist(const QVariant &value)
 {
@@ -53,8 +43,6 @@ plist_t toPlist(const QVariant &value)
         return plist_new_bool(value.toBool());
     case QMetaType::Int:
     case QMetaType::LongLong:
-    case QMetaType::UInt:
-    case QMetaType::ULongLong:
         return plist_new_uint(uint64_t(value.toLongLong()));
     case QMetaType::Double:
         return plist_new_real(value.toDouble());
@@ -67,21 +55,17 @@ plist_t toPlist(const QVariant &value)
 
 void TestEnvironment::setUp()
 {
-    homeDir() =
-        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/vantorel-test-XXXXXX"));
-    const QByteArray home = homeDir()->path().toLocal8Bit();
+    s_home = std::make_unique<QTemporaryDir>(QDir::tempPath() + "/vantorel-test-XXXXXX");
+    const QByteArray home = s_home->path().toLocal8Bit();
     pointHomeAt(home);
     setenv("XDG_RUNTIME_DIR", (home + "/runtime").constData(), 1);
-    QDir().mkpath(homeDir()->path() + QStringLiteral("/runtime"));
-    QFile::setPermissions(homeDir()->path() + QStringLiteral("/runtime"),
+    QDir().mkpath(s_home->path() + "/runtime");
+    QFile::setPermissions(s_home->path() + "/runtime",
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     // Loopback only: no proxy may ever route a test elsewhere.
-    unsetenv("http_proxy");
-    unsetenv("https_proxy");
-    unsetenv("HTTP_PROXY");
-    unsetenv("HTTPS_PROXY");
-    unsetenv("all_proxy");
-    unsetenv("ALL_PROXY");
+    for (const char *proxy :
+         {"http_proxy", "https_proxy", "HTTP_PROXY", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+        unsetenv(proxy);
 }
 
 void TestEnvironment::setUpApplication()
@@ -98,7 +82,7 @@ void TestEnvironment::tearDownApplication()
 
 QString TestEnvironment::home()
 {
-    return homeDir()->path();
+    return s_home->path();
 }
 
 QString TestEnvironment::makeFolder(const QString &name)
@@ -117,23 +101,30 @@ void TestEnvironment::resetState()
     Preferences::shared().reset();
     ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
     ResourceLocator::setDefinitionsFolder(QString());
-    useSystemClock();
+    Clock::setSource({});
 }
 
 void TestEnvironment::setNow(const QDateTime &now)
 {
-    fixedNow() = now;
-    Clock::setSource([] { return fixedNow(); });
+    s_now = now;
+    Clock::setSource([] { return s_now; });
 }
 
 void TestEnvironment::advance(qint64 seconds)
 {
-    fixedNow() = fixedNow().addSecs(seconds);
+    s_now = s_now.addSecs(seconds);
 }
 
-void TestEnvironment::useSystemClock()
+bool TestEnvironment::writeFile(const QString &path, const QByteArray &bytes)
 {
-    Clock::setSource({});
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+QByteArray TestEnvironment::readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
 }
 
 bool TestEnvironment::writePropertyList(const QString &path, const QVariantMap &root, bool binary)
@@ -141,17 +132,22 @@ bool TestEnvironment::writePropertyList(const QString &path, const QVariantMap &
     plist_t plist = toPlist(root);
     char *bytes = nullptr;
     uint32_t length = 0;
-    if (binary)
-        plist_to_bin(plist, &bytes, &length);
-    else
-        plist_to_xml(plist, &bytes, &length);
+    (binary ? plist_to_bin : plist_to_xml)(plist, &bytes, &length);
     plist_free(plist);
-    if (!bytes)
-        return false;
-    QFile file(path);
-    const bool ok = file.open(QIODevice::WriteOnly) && file.write(bytes, length) == qint64(length);
+    const bool ok = bytes && writeFile(path, QByteArray(bytes, qsizetype(length)));
     free(bytes);
     return ok;
+}
+
+QString TestEnvironment::installDefinitions(const QString &fileName, const QVariantMap &root,
+                                            bool binary)
+{
+    const QString folder = makeFolder(QStringLiteral("definitions"));
+    const QString path = QDir(folder).filePath(fileName);
+    if (!writePropertyList(path, root, binary))
+        qFatal("cannot write %s", qPrintable(path));
+    ResourceLocator::setDefinitionsFolder(folder);
+    return path;
 }
 
 QVariantMap TestEnvironment::nodeDict(const QString &dest, const QString &name, const QString &url,
@@ -160,20 +156,28 @@ QVariantMap TestEnvironment::nodeDict(const QString &dest, const QString &name, 
     // As in the shipped files: pictures are file type 0, everything else a text report.
     static const QRegularExpression picture(QStringLiteral("\\.(png|jpe?g|gif|webp|tiff?|svg)$"),
                                             QRegularExpression::CaseInsensitiveOption);
-    return {
-        {QStringLiteral("URL"), url},
-        {QStringLiteral("SourceFileName"), source},
-        {QStringLiteral("DestFileName"), dest},
-        {QStringLiteral("NodeName"), name.isEmpty() ? dest : name},
-        {QStringLiteral("NodeTitle"), (name.isEmpty() ? dest : name) + QStringLiteral(" title")},
-        {QStringLiteral("FileType"), picture.match(dest).hasMatch() ? 0 : 1}};
+    const QString shown = name.isEmpty() ? dest : name;
+    return {{QStringLiteral("URL"), url},
+            {QStringLiteral("SourceFileName"), source},
+            {QStringLiteral("DestFileName"), dest},
+            {QStringLiteral("NodeName"), shown},
+            {QStringLiteral("NodeTitle"), shown + QStringLiteral(" title")},
+            {QStringLiteral("FileType"), picture.match(dest).hasMatch() ? 0 : 1}};
 }
 
 QProcessEnvironment TestEnvironment::headlessEnvironment()
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove(QStringLiteral("DISPLAY"));
-    env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        env.remove(QLatin1String(name));
     return env;
+}
+
+qint64 TestEnvironment::processKilobytes(const char *field)
+{
+    for (const QByteArray &line : readFile(QStringLiteral("/proc/self/status")).split('\n')) {
+        if (line.startsWith(QByteArray(field) + ':'))
+            return line.mid(qstrlen(field) + 1).trimmed().split(' ').value(0).toLongLong();
+    }
+    return -1;
 }

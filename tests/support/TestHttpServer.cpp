@@ -16,13 +16,10 @@ TestHttpServer::~TestHttpServer()
 {
     // The sockets die with the listening server; they must not report back to a half-destroyed
     // object on the way.
-    const QList<QTcpSocket *> sockets = _buffers.keys();
-    for (QTcpSocket *socket : sockets) {
+    for (QTcpSocket *socket : _buffers.keys()) {
         socket->disconnect(this);
         socket->abort();
     }
-    _buffers.clear();
-    _server.close();
 }
 
 QByteArray TestHttpServer::bytes(int size, char seed)
@@ -39,39 +36,9 @@ QByteArray TestHttpServer::picture(int size)
     return signature + bytes(std::max(0, size - int(signature.size())));
 }
 
-void TestHttpServer::route(const QByteArray &path, const Script &script)
-{
-    _routes.insert(path, script);
-}
-
-void TestHttpServer::serve(const QByteArray &path, const QByteArray &body)
-{
-    Script script;
-    script.chunks = {body};
-    route(path, script);
-}
-
-void TestHttpServer::stall(const QByteArray &path)
-{
-    Script script;
-    script.declaredLength = 100;
-    script.stallAfterHeaders = true;
-    route(path, script);
-}
-
-QString TestHttpServer::baseUrl() const
-{
-    return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());
-}
-
 QString TestHttpServer::url(const QByteArray &path) const
 {
     return baseUrl() + QString::fromLatin1(path.startsWith('/') ? path.mid(1) : path);
-}
-
-int TestHttpServer::openConnections() const
-{
-    return int(_buffers.size());
 }
 
 void TestHttpServer::accept()
@@ -113,19 +80,11 @@ void TestHttpServer::readRequest(QTcpSocket *socket)
 
 void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
 {
-    Script script;
     ++_total;
-    if (_failEvery > 0 && _total % _failEvery == 0) {
-        script.status = 500;
-        script.reason = "Internal Server Error";
-        script.chunks = {"try again later"};
-    } else if (_routes.contains(path)) {
-        script = _routes.value(path);
-    } else {
-        script.status = 404;
-        script.reason = "Not Found";
-        script.chunks = {"no such file"};
-    }
+    Script script =
+        _routes.value(path, {.status = 404, .reason = "Not Found", .chunks = {"no such file"}});
+    if (_failEvery > 0 && _total % _failEvery == 0)
+        script = {.status = 500, .reason = "Internal Server Error", .chunks = {"try again later"}};
     if (script.stallForever)
         return;
 
@@ -135,76 +94,40 @@ void TestHttpServer::answer(QTcpSocket *socket, const QByteArray &path)
         stream(guarded, "X-Padding: " + QByteArray(1000, 'h') + "\r\n");
         return;
     }
-    const bool keepAlive = _keepAlive && !script.abortAfterChunks;
-    const auto sendHead = [this, guarded, script, keepAlive] {
+    const auto sendHead = [this, guarded, script] {
         if (!guarded)
             return;
-        qint64 total = 0;
-        for (const QByteArray &chunk : script.chunks)
-            total += chunk.size();
         QByteArray head = "HTTP/1.1 " + QByteArray::number(script.status) + ' ' + script.reason +
-                          (keepAlive ? "\r\n" : "\r\nConnection: close\r\n") +
-                          "Content-Type: application/octet-stream\r\n";
-        const qint64 declared = script.declaredLength.value_or(total);
+                          "\r\nConnection: close\r\nContent-Type: application/octet-stream\r\n";
+        const qint64 declared = script.declaredLength.value_or(script.chunks.join().size());
         if (declared >= 0)
             head += "Content-Length: " + QByteArray::number(declared) + "\r\n";
         if (!script.location.isEmpty())
             head += "Location: " + script.location + "\r\n";
         for (const auto &header : script.extraHeaders)
             head += header.first + ": " + header.second + "\r\n";
-        head += "\r\n";
-        guarded->write(head);
+        guarded->write(head + "\r\n");
         guarded->flush();
-        if (script.stallAfterHeaders)
-            return;
-        if (script.endlessBody) {
-            stream(guarded, bytes(64 * 1024));
-            return;
-        }
-        if (keepAlive && script.pauseMs == 0) {
-            // The whole answer at once, and the connection stays for the next request.
-            for (const QByteArray &chunk : script.chunks)
-                guarded->write(chunk);
-            guarded->flush();
-            return;
-        }
-        sendChunks(guarded, script, 0);
+        if (!script.stallAfterHeaders)
+            sendChunks(guarded, script, 0);
     };
-    if (script.firstByteDelayMs > 0)
-        QTimer::singleShot(script.firstByteDelayMs, this, sendHead);
-    else
-        sendHead();
+    QTimer::singleShot(script.firstByteDelayMs, this, sendHead);
 }
 
 void TestHttpServer::sendChunks(QPointer<QTcpSocket> socket, Script script, int index)
 {
     if (!socket)
         return;
-    if (index >= script.chunks.size()) {
-        finish(socket, script);
-        return;
-    }
-    socket->write(script.chunks.at(index));
-    socket->flush();
-    if (script.pauseMs > 0 && index + 1 < script.chunks.size()) {
-        QTimer::singleShot(script.pauseMs, this, [this, socket, script, index] {
-            sendChunks(socket, script, index + 1);
-        });
-    } else {
-        sendChunks(socket, script, index + 1);
-    }
-}
-
-void TestHttpServer::finish(QPointer<QTcpSocket> socket, const Script &script)
-{
-    if (!socket)
-        return;
-    if (script.abortAfterChunks) {
+    if (index < script.chunks.size()) {
+        socket->write(script.chunks.at(index));
         socket->flush();
+        const int pause = index + 1 < script.chunks.size() ? script.pauseMs : 0;
+        QTimer::singleShot(pause, this, [=, this] { sendChunks(socket, script, index + 1); });
+    } else if (script.abortAfterChunks) {
         socket->abort();
-        return;
+    } else {
+        socket->disconnectFromHost();
     }
-    socket->disconnectFromHost();
 }
 
 void TestHttpServer::stream(QPointer<QTcpSocket> socket, const QByteArray &block)

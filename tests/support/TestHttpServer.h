@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QPointer>
 #include <QTcpServer>
-#include <QUrl>
 
 #include <optional>
 
@@ -23,29 +22,34 @@ public:
         int status = 200;
         QByteArray reason = "OK";
         // Content-Length to declare; by default the total of the chunks. -1 declares none.
-        std::optional<qint64> declaredLength;
-        QList<QByteArray> chunks;
+        std::optional<qint64> declaredLength{};
+        QList<QByteArray> chunks{};
         int pauseMs = 0;                // between chunks
         int firstByteDelayMs = 0;       // before the status line
         bool stallAfterHeaders = false; // send the headers, then nothing, never close
         bool stallForever = false;      // send nothing at all
         bool abortAfterChunks = false;  // reset the connection after the chunks
-        bool endlessBody = false;       // after the headers, data until the client gives up
         bool endlessHeaders = false;    // header lines that never end
-        QByteArray location;            // Location header (for redirects)
-        QList<QPair<QByteArray, QByteArray>> extraHeaders;
+        QByteArray location{};          // Location header (for redirects)
+        QList<QPair<QByteArray, QByteArray>> extraHeaders{};
     };
 
     explicit TestHttpServer(QObject *parent = nullptr);
     ~TestHttpServer() override;
 
-    void route(const QByteArray &path, const Script &script);
+    void route(const QByteArray &path, const Script &script) { _routes.insert(path, script); }
     // A plain 200 answer with the body in one piece.
-    void serve(const QByteArray &path, const QByteArray &body);
+    void serve(const QByteArray &path, const QByteArray &body) { route(path, {.chunks = {body}}); }
     // Headers that promise 100 bytes, then nothing: a transfer that stays under way.
-    void stall(const QByteArray &path);
+    void stall(const QByteArray &path)
+    {
+        route(path, {.declaredLength = 100, .stallAfterHeaders = true});
+    }
     QString url(const QByteArray &path) const;
-    QString baseUrl() const;
+    QString baseUrl() const
+    {
+        return QStringLiteral("http://127.0.0.1:%1/").arg(_server.serverPort());
+    }
 
     int requestCount(const QByteArray &path) const { return _requests.value(path); }
     // The request headers of the last request for the path, names in lower case.
@@ -53,9 +57,6 @@ public:
     {
         return _lastHeaders.value(path);
     }
-    int openConnections() const;
-    // Keeps connections open for further requests, as real servers do (off: one per connection).
-    void setKeepAlive(bool on) { _keepAlive = on; }
     // Answers every nth request, whatever its path, with 500 instead (0 turns this off).
     void setFailEvery(int n) { _failEvery = n; }
     int totalRequests() const { return _total; }
@@ -75,7 +76,6 @@ private:
     void readRequest(QTcpSocket *socket);
     void answer(QTcpSocket *socket, const QByteArray &path);
     void sendChunks(QPointer<QTcpSocket> socket, Script script, int index);
-    void finish(QPointer<QTcpSocket> socket, const Script &script);
     // Keeps the socket's send buffer topped up with the same block until the peer goes away.
     void stream(QPointer<QTcpSocket> socket, const QByteArray &block);
 
@@ -85,7 +85,6 @@ private:
     QHash<QByteArray, QHash<QByteArray, QByteArray>> _lastHeaders;
     QHash<QTcpSocket *, QByteArray> _buffers;
     int _failEvery = 0;
-    bool _keepAlive = false;
     int _total = 0;
 };
 

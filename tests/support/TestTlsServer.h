@@ -11,7 +11,6 @@ class TestTlsServer : public QObject {
 public:
     explicit TestTlsServer(QObject *parent = nullptr);
     QString url(const QString &path) const;
-    bool isListening() const { return _server.isListening(); }
 
 private:
     QSslServer _server;

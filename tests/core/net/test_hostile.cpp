@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTimer>
 #include <QtTest>
 
@@ -47,6 +46,7 @@ public:
         ::close(_listener);
         _thread.join();
     }
+
     QString url() const { return QStringLiteral("http://127.0.0.1:%1/stream").arg(_port); }
 
 private:
@@ -73,19 +73,6 @@ private:
     std::thread _thread;
 };
 
-// The most memory the process has held so far, from the kernel's own account.
-qint64 peakResidentKilobytes()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').value(0).toLongLong();
-    }
-    return -1;
-}
-
 } // namespace
 
 // Servers that misbehave on purpose: endless data, an absurd declared length, headers that never
@@ -96,12 +83,92 @@ class TestHostile : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void endlessData_data();
-    void endlessData();
-    void misbehavingServers_data();
-    void misbehavingServers();
-    void untrustedCertificate();
+    void init()
+    {
+        TestEnvironment::resetState();
+        _server = std::make_unique<TestHttpServer>();
+        _folder = TestEnvironment::makeFolder(QStringLiteral("data"));
+    }
+
+    // Each row is served by a thread of its own streaming after the given head, by a TLS server
+    // (head "TLS"), or by the scripted server; a reason given is the exact failure text.
+    void misbehavingServers_data()
+    {
+        using Script = TestHttpServer::Script;
+        columns<QByteArray, Script, QString>("head", "script", "reason");
+        QTest::newRow("endless data") << QByteArray("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n")
+                                      << Script{} << "The data grew past the 256 MB limit.";
+        QTest::newRow("declares 4 GB")
+            << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 4294967296\r\n\r\n") << Script{}
+            << "The server announced more data than the 256 MB limit.";
+        QTest::newRow("headers without end")
+            << QByteArray() << Script{.endlessHeaders = true} << QString();
+        QTest::newRow("redirect loop")
+            << QByteArray() << Script{.status = 302, .reason = "Found", .chunks = {"again"}}
+            << QString();
+        QTest::newRow("reset in the middle of a body")
+            << QByteArray()
+            << Script{.declaredLength = 5'000'000,
+                      .chunks = {TestHttpServer::bytes(1'000'000),
+                                 TestHttpServer::bytes(1'000'000)},
+                      .pauseMs = 50,
+                      .abortAfterChunks = true}
+            << QString();
+        QTest::newRow("untrusted certificate") << QByteArray("TLS") << Script{} << QString();
+    }
+
+    void misbehavingServers()
+    {
+        const QByteArray head = fetch<QByteArray>("head");
+        TestHttpServer::Script script = fetch<TestHttpServer::Script>("script");
+        std::unique_ptr<StreamingServer> streaming;
+        std::unique_ptr<TestTlsServer> tls;
+        QString url = _server->url("hostile");
+        if (head == "TLS") {
+            tls = std::make_unique<TestTlsServer>();
+            url = tls->url(QStringLiteral("image.png"));
+        } else if (!head.isEmpty()) {
+            streaming = std::make_unique<StreamingServer>(head);
+            url = streaming->url();
+        } else if (script.status == 302) {
+            script.location = url.toLatin1(); // to itself, for ever
+        }
+        _server->route("/hostile", script);
+        Preferences::shared().setTimeoutSeconds(1.0f);
+        QVERIFY(TestEnvironment::writeFile(dataPath(), "the last good copy"));
+
+        RecordingDelegate delegate;
+        auto node = Node::create(TestEnvironment::nodeDict(QStringLiteral("kept.bin"),
+                                                           QStringLiteral("Kept"), url, QString()),
+                                 &delegate, _folder, false);
+        const int ticks = runWithProbe(node.get(), 120000);
+        QVERIFY2(ticks >= 0, "the transfer did not end");
+        // A quarter of a gigabyte, or headers pouring in, take a while: the event loop must have
+        // kept turning meanwhile.
+        if (QTest::currentDataTag() == QLatin1String("endless data") || script.endlessHeaders)
+            QVERIFY(ticks > 0);
+        QCOMPARE(delegate.failures.size(), 1);
+        const QString prefix = QStringLiteral("Download of \"Kept\" Failed: ");
+        const QString reason = fetch<QString>("reason");
+        if (reason.isEmpty())
+            QVERIFY2(delegate.failures.first().startsWith(prefix) &&
+                         delegate.failures.first().contains(url),
+                     qPrintable(delegate.failures.first()));
+        else
+            QCOMPARE(delegate.failures.first(), prefix + reason + ' ' + url);
+        QCOMPARE(node->itemStatus(), QStringLiteral("Err"));
+        // Nothing left beside the data file (no temporary file of the failed transfer), and the
+        // data file as it was.
+        QCOMPARE(QDir(_folder).entryList(QDir::Files | QDir::Hidden), QStringList{"kept.bin"});
+        QCOMPARE(TestEnvironment::readFile(dataPath()), QByteArray("the last good copy"));
+        // Bounded: the bytes go to disk as they arrive, so memory holds what the network layer
+        // buffers, far less than the quarter of a gigabyte the server sent.
+        qint64 boundKilobytes = 160 * 1024;
+#if defined(__SANITIZE_ADDRESS__)
+        boundKilobytes += 256 * 1024; // AddressSanitizer keeps freed memory aside, up to 256 MB
+#endif
+        QVERIFY(TestEnvironment::processKilobytes("VmHWM") < boundKilobytes);
+    }
 
 private:
     // Runs the node's transfer to its end while a probe timer checks that the event loop keeps
@@ -123,141 +190,18 @@ private:
         const bool ended = QTest::qWaitFor([node] { return !node->isDownloading(); }, waitMs);
         probe.stop();
         qInfo("probe: %d ticks, longest gap %lld ms, peak resident %lld kB", ticks, longestGap,
-              peakResidentKilobytes());
+              TestEnvironment::processKilobytes("VmHWM"));
         return ended ? ticks : -1;
     }
-    std::unique_ptr<Node> make(const QString &url, NodeDelegate *delegate)
+
+    QString dataPath() const
     {
-        return Node::create(TestEnvironment::nodeDict(QStringLiteral("kept.bin"),
-                                                      QStringLiteral("Kept"), url, QString()),
-                            delegate, _folder, false);
-    }
-    void writeGoodCopy()
-    {
-        QFile file(QDir(_folder).filePath(QStringLiteral("kept.bin")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("the last good copy");
-    }
-    // The data file's contents; or, when anything else was left beside it (a temporary file of the
-    // failed transfer), the names of what is there, so that the comparison fails and says why.
-    QByteArray goodCopy() const
-    {
-        const QStringList left = QDir(_folder).entryList(QDir::Files | QDir::Hidden);
-        if (left != QStringList{QStringLiteral("kept.bin")})
-            return "left in the data folder: " + left.join(QLatin1Char(' ')).toUtf8();
-        QFile file(QDir(_folder).filePath(QStringLiteral("kept.bin")));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return QDir(_folder).filePath(QStringLiteral("kept.bin"));
     }
 
     std::unique_ptr<TestHttpServer> _server;
     QString _folder;
 };
-
-void TestHostile::init()
-{
-    TestEnvironment::resetState();
-    _server = std::make_unique<TestHttpServer>();
-    _folder = TestEnvironment::makeFolder(QStringLiteral("data"));
-}
-
-void TestHostile::endlessData_data()
-{
-    QTest::addColumn<QByteArray>("head");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("endless data") << QByteArray("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n")
-                                  << "The data grew past the 256 MB limit.";
-    QTest::newRow("declares 4 GB")
-        << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 4294967296\r\n\r\n")
-        << "The server announced more data than the 256 MB limit.";
-}
-
-void TestHostile::endlessData()
-{
-    QFETCH(QByteArray, head);
-    QFETCH(QString, reason);
-    StreamingServer server(head);
-    writeGoodCopy();
-    RecordingDelegate delegate;
-    auto node = make(server.url(), &delegate);
-    const int ticks = runWithProbe(node.get(), 120000);
-    QVERIFY2(ticks >= 0, "the transfer did not end");
-    // A quarter of a gigabyte takes a while: the event loop must have kept turning meanwhile.
-    if (QTest::currentDataTag() == QLatin1String("endless data"))
-        QVERIFY(ticks > 0);
-    QCOMPARE(delegate.failures.size(), 1);
-    QCOMPARE(delegate.failures.first(),
-             QStringLiteral("Download of \"Kept\" Failed: %1 %2").arg(reason, server.url()));
-    QCOMPARE(goodCopy(), QByteArray("the last good copy"));
-    // Bounded: the bytes go to disk as they arrive, so memory holds what the network layer
-    // buffers, far less than the quarter of a gigabyte the server sent.
-    qint64 boundKilobytes = 160 * 1024;
-#if defined(__SANITIZE_ADDRESS__)
-    boundKilobytes += 256 * 1024; // AddressSanitizer keeps freed memory aside, up to 256 MB
-#endif
-    QVERIFY(peakResidentKilobytes() < boundKilobytes);
-}
-
-void TestHostile::misbehavingServers_data()
-{
-    QTest::addColumn<TestHttpServer::Script>("script");
-    QTest::addColumn<QString>("reason");
-
-    TestHttpServer::Script s;
-    s.endlessHeaders = true;
-    QTest::newRow("headers without end") << s << "";
-
-    s = {};
-    s.status = 302;
-    s.reason = "Found";
-    s.chunks = {"again"};
-    QTest::newRow("redirect loop") << s << "";
-
-    s = {};
-    s.declaredLength = 5'000'000;
-    s.chunks = {TestHttpServer::bytes(1'000'000), TestHttpServer::bytes(1'000'000)};
-    s.pauseMs = 50;
-    s.abortAfterChunks = true;
-    QTest::newRow("reset in the middle of a body") << s << "";
-}
-
-void TestHostile::misbehavingServers()
-{
-    QFETCH(TestHttpServer::Script, script);
-    QFETCH(QString, reason);
-    Preferences::shared().setTimeoutSeconds(1.0f);
-    if (QTest::currentDataTag() == QLatin1String("redirect loop"))
-        script.location = _server->url("hostile").toLatin1(); // to itself, for ever
-    _server->route("/hostile", script);
-    writeGoodCopy();
-
-    RecordingDelegate delegate;
-    auto node = make(_server->url("hostile"), &delegate);
-    const int ticks = runWithProbe(node.get(), 60000);
-    QVERIFY2(ticks >= 0, "the transfer did not end");
-    if (QTest::currentDataTag() == QLatin1String("headers without end"))
-        QVERIFY(ticks > 0); // the event loop kept turning while the headers poured in
-
-    QCOMPARE(delegate.failures.size(), 1);
-    QVERIFY(delegate.failures.first().startsWith(QStringLiteral("Download of \"Kept\" Failed: ")));
-    if (!reason.isEmpty())
-        QVERIFY2(delegate.failures.first().contains(reason), qPrintable(delegate.failures.first()));
-    QCOMPARE(node->itemStatus(), QStringLiteral("Err"));
-    QCOMPARE(goodCopy(), QByteArray("the last good copy"));
-}
-
-void TestHostile::untrustedCertificate()
-{
-    TestTlsServer tls;
-    QVERIFY(tls.isListening());
-    writeGoodCopy();
-    RecordingDelegate delegate;
-    auto node = make(tls.url(QStringLiteral("image.png")), &delegate);
-    QVERIFY(runWithProbe(node.get(), 20000) >= 0);
-    QCOMPARE(delegate.failures.size(), 1);
-    QVERIFY2(delegate.failures.first().contains(tls.url(QStringLiteral("image.png"))),
-             qPrintable(delegate.failures.first()));
-    QCOMPARE(goodCopy(), QByteArray("the last good copy"));
-}
 
 VANTOREL_TEST_CORE_MAIN(TestHostile)
 #include "test_hostile.moc"

@@ -2,37 +2,17 @@
 #include "TestEnvironment.h"
 #include "TestHttpServer.h"
 
-#include "core/settings/Preferences.h"
 #include "core/shell/AppCore.h"
-#include "core/sources/DomainGroup.h"
-#include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeGroup.h"
 #include "core/util/Clock.h"
 #include "core/util/ResourceLocator.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
 #include <QSettings>
 #include <QtTest>
 
-namespace {
-
-qint64 residentKilobytes()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').value(0).toLongLong();
-    }
-    return -1;
-}
-
 constexpr qint64 kTick = 5; // seconds between scheduler ticks
-
-} // namespace
 
 // A simulated week of automatic updates: fifty nodes at mixed rates against a server that fails
 // one transfer in ten. The clock jumps from tick to tick, the transfers are real. Every due node
@@ -41,119 +21,120 @@ class TestLongRun : public QObject {
     Q_OBJECT
 
 private slots:
-    void aWeekOfUpdates();
-};
+    void aWeekOfUpdates()
+    {
+        TestEnvironment::resetState();
+        TestHttpServer server;
+        server.serve("/item", TestHttpServer::bytes(20000));
+        server.setFailEvery(10);
 
-void TestLongRun::aWeekOfUpdates()
-{
-    TestEnvironment::resetState();
-    TestHttpServer server;
-    server.serve("/item", TestHttpServer::bytes(20000));
-    server.setFailEvery(10);
-
-    // Ten nodes per group; the rate indexes are spread so that every rate is present.
-    const int rates[] = {0, 1, 2, 3, 3, 4, 4, 5, 6, 7, 3, 2, 4, 5, 5, 6, 6, 7, 7, 3, 1, 4, 3, 4, 5,
-                         6, 7, 2, 3, 4, 3, 5, 4, 4, 5, 6, 6, 7, 2, 3, 7, 2, 3, 4, 5, 5, 6, 7, 3, 4};
-    const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
-    QSettings settings;
-    int index = 0;
-    const QStringList groups{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
-    for (const QString &group : groups) {
-        QVariantMap nodes;
-        for (int i = 0; i < 10; ++i, ++index) {
-            const QString dest = QStringLiteral("%1-%2.bin").arg(group).arg(i);
-            nodes.insert(
-                QStringLiteral("Node%1").arg(i),
-                TestEnvironment::nodeDict(dest, dest, server.baseUrl(), QStringLiteral("item")));
-            settings.setValue(Node::autoUpdateKey(dest), 1);
-            settings.setValue(Node::autoUpdateRateKey(dest), rates[index]);
+        // Ten nodes per group; the rate indexes are spread so that every rate is present.
+        const int rates[] = {0, 1, 2, 3, 3, 4, 4, 5, 6, 7, 3, 2, 4, 5, 5, 6, 6,
+                             7, 7, 3, 1, 4, 3, 4, 5, 6, 7, 2, 3, 4, 3, 5, 4, 4,
+                             5, 6, 6, 7, 2, 3, 7, 2, 3, 4, 5, 5, 6, 7, 3, 4};
+        const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
+        QSettings settings;
+        int index = 0;
+        const QStringList groups{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
+        for (const QString &group : groups) {
+            QVariantMap nodes;
+            for (int i = 0; i < 10; ++i, ++index) {
+                const QString dest = QStringLiteral("%1-%2.bin").arg(group).arg(i);
+                nodes.insert(QStringLiteral("Node%1").arg(i),
+                             TestEnvironment::nodeDict(dest, dest, server.baseUrl(),
+                                                       QStringLiteral("item")));
+                settings.setValue(Node::autoUpdateKey(dest), 1);
+                settings.setValue(Node::autoUpdateRateKey(dest), rates[index]);
+            }
+            QVariantMap root = nodes;
+            if (group != QLatin1String("Alerts")) {
+                nodes.insert(QStringLiteral("DomainName"), group);
+                root = {{QStringLiteral("Domain0"), nodes}};
+            }
+            QVERIFY(TestEnvironment::writePropertyList(
+                definitions + QStringLiteral("/Data%1.plist").arg(group), root));
         }
-        QVariantMap root = nodes;
-        if (group != QLatin1String("Alerts")) {
-            nodes.insert(QStringLiteral("DomainName"), group);
-            root = {{QStringLiteral("Domain0"), nodes}};
-        }
-        QVERIFY(TestEnvironment::writePropertyList(
-            definitions + QStringLiteral("/Data%1.plist").arg(group), root));
-    }
-    ResourceLocator::setDefinitionsFolder(definitions);
+        ResourceLocator::setDefinitionsFolder(definitions);
 
-    const QDateTime start(QDate(2026, 3, 2), QTime(0, 0));
-    TestEnvironment::setNow(start);
-    AppCore core;
-    core.setDataFolderOverride(TestEnvironment::makeFolder(QStringLiteral("data")));
-    core.prepareDataFolder();
-    core.loadAllGroups();
-    RecordingLog log;
-    core.setLog(&log);
+        const QDateTime start(QDate(2026, 3, 2), QTime(0, 0));
+        TestEnvironment::setNow(start);
+        AppCore core;
+        core.setDataFolderOverride(TestEnvironment::makeFolder(QStringLiteral("data")));
+        core.prepareDataFolder();
+        core.loadAllGroups();
+        RecordingLog log;
+        core.setLog(&log);
 
-    QList<Node *> nodes;
-    for (NodeGroup *group : core.groupsInViewOrder())
-        nodes << group->allNodes();
-    QCOMPARE(nodes.size(), 50);
+        QList<Node *> nodes;
+        for (NodeGroup *group : core.groupsInViewOrder())
+            nodes << group->allNodes();
+        QCOMPARE(nodes.size(), 50);
 
-    // When each node was queued, by the clock of the tick that queued it.
-    QHash<const Node *, QList<QDateTime>> queued;
-    for (NodeGroup *group : core.groupsInViewOrder()) {
-        connect(group, &NodeGroup::nodeStatusChanged, this, [&queued](Node *node) {
-            if (node->itemStatus() == QLatin1String("-"))
-                queued[node].append(Clock::now());
-        });
-    }
-    const auto queuesEmpty = [&core] {
+        // When each node was queued, by the clock of the tick that queued it.
+        QHash<const Node *, QList<QDateTime>> queued;
         for (NodeGroup *group : core.groupsInViewOrder()) {
-            if (!group->downloadQueue().isEmpty())
-                return false;
+            connect(group, &NodeGroup::nodeStatusChanged, this, [&queued](Node *node) {
+                if (node->itemStatus() == QLatin1String("-"))
+                    queued[node].append(Clock::now());
+            });
         }
-        return true;
-    };
+        const auto queuesEmpty = [&core] {
+            for (NodeGroup *group : core.groupsInViewOrder()) {
+                if (!group->downloadQueue().isEmpty())
+                    return false;
+            }
+            return true;
+        };
 
-    const QDateTime end = start.addDays(7);
-    QDateTime now = start;
-    qint64 dayOneResident = -1;
-    int ticks = 0;
-    while (now <= end) {
-        core.schedulerFired();
-        ++ticks;
-        // Wait for the transfers without polling, so that a week takes seconds, not hours.
-        QDeadlineTimer deadline(30000);
-        while (!queuesEmpty() && !deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        QVERIFY2(queuesEmpty(),
-                 qPrintable(QStringLiteral("queues still busy at %1").arg(now.toString())));
-        if (dayOneResident < 0 && now >= start.addDays(1))
-            dayOneResident = residentKilobytes();
+        const QDateTime end = start.addDays(7);
+        QDateTime now = start;
+        qint64 dayOneResident = -1;
+        int ticks = 0;
+        while (now <= end) {
+            core.schedulerFired();
+            ++ticks;
+            // Wait for the transfers without polling, so that a week takes seconds, not hours.
+            QDeadlineTimer deadline(30000);
+            while (!queuesEmpty() && !deadline.hasExpired())
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+            QVERIFY2(queuesEmpty(),
+                     qPrintable(QStringLiteral("queues still busy at %1").arg(now.toString())));
+            if (dayOneResident < 0 && now >= start.addDays(1))
+                dayOneResident = TestEnvironment::processKilobytes("VmRSS");
 
-        // Ticks at which nothing falls due change nothing; jump to the first one that matters.
-        QDateTime nextDue = end.addSecs(kTick);
-        for (const Node *node : nodes)
-            nextDue = std::min(nextDue, node->nextUpdateDate());
-        const qint64 ticksAhead = std::max<qint64>(1, (now.secsTo(nextDue) + kTick - 1) / kTick);
-        now = now.addSecs(ticksAhead * kTick);
-        TestEnvironment::setNow(now);
+            // Ticks at which nothing falls due change nothing; jump to the first one that matters.
+            QDateTime nextDue = end.addSecs(kTick);
+            for (const Node *node : nodes)
+                nextDue = std::min(nextDue, node->nextUpdateDate());
+            const qint64 ticksAhead =
+                std::max<qint64>(1, (now.secsTo(nextDue) + kTick - 1) / kTick);
+            now = now.addSecs(ticksAhead * kTick);
+            TestEnvironment::setNow(now);
+        }
+        const qint64 weekResident = TestEnvironment::processKilobytes("VmRSS");
+
+        int transfers = 0;
+        for (const Node *node : nodes) {
+            const qint64 interval = qint64(node->nextUpdateInMinutes()) * 60;
+            const QList<QDateTime> times = queued.value(node);
+            QVERIFY2(!times.isEmpty(), qPrintable(node->fileName()));
+            // Every attempt, successful or not, moves the last update to the tick it ran at, so the
+            // next one is due exactly one interval later and is queued at that very tick.
+            QCOMPARE(start.secsTo(times.first()), interval);
+            for (qsizetype i = 1; i < times.size(); ++i)
+                QCOMPARE(times[i - 1].secsTo(times[i]), interval);
+            QCOMPARE(qint64(times.size()), start.secsTo(end) / interval);
+            transfers += int(times.size());
+        }
+        const int failures = int(log.entries.filter(QStringLiteral("error:")).size());
+        qInfo("%d ticks that mattered, %d transfers, %d failed; resident %lld kB after a day, %lld "
+              "kB "
+              "after a week",
+              ticks, transfers, failures, dayOneResident, weekResident);
+        QCOMPARE(failures, server.totalRequests() / 10);
+        QVERIFY(failures > 0);
     }
-    const qint64 weekResident = residentKilobytes();
-
-    int transfers = 0;
-    for (const Node *node : nodes) {
-        const qint64 interval = qint64(node->nextUpdateInMinutes()) * 60;
-        const QList<QDateTime> times = queued.value(node);
-        QVERIFY2(!times.isEmpty(), qPrintable(node->fileName()));
-        // Every attempt, successful or not, moves the last update to the tick it ran at, so the
-        // next one is due exactly one interval later and is queued at that very tick.
-        QCOMPARE(start.secsTo(times.first()), interval);
-        for (qsizetype i = 1; i < times.size(); ++i)
-            QCOMPARE(times[i - 1].secsTo(times[i]), interval);
-        QCOMPARE(qint64(times.size()), start.secsTo(end) / interval);
-        transfers += int(times.size());
-    }
-    const int failures = int(log.entries.filter(QStringLiteral("error:")).size());
-    qInfo("%d ticks that mattered, %d transfers, %d failed; resident %lld kB after a day, %lld kB "
-          "after a week",
-          ticks, transfers, failures, dayOneResident, weekResident);
-    QCOMPARE(failures, server.totalRequests() / 10);
-    QVERIFY(failures > 0);
-}
+};
 
 VANTOREL_TEST_CORE_MAIN(TestLongRun)
 #include "test_longrun.moc"

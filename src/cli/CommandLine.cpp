@@ -3,6 +3,7 @@
 #include "BuildInfo.h"
 #include "cli/FetchCommand.h"
 #include "cli/MoonCommand.h"
+#include "cli/NowCommand.h"
 #include "cli/ReportCommand.h"
 #include "core/util/ResourceLocator.h"
 
@@ -35,7 +36,8 @@ bool isHelpOrVersion(const QString &argument)
 
 QStringList CommandLine::commandNames()
 {
-    return {QStringLiteral("fetch"), QStringLiteral("report"), QStringLiteral("moon")};
+    return {QStringLiteral("fetch"), QStringLiteral("report"), QStringLiteral("moon"),
+            QStringLiteral("now")};
 }
 
 bool CommandLine::printCommandHelp(const QCommandLineParser &parser, const QString &command)
@@ -142,6 +144,8 @@ int CommandLine::runHeadless(const QStringList &arguments)
         return ReportCommand::run(rest);
     if (command == QLatin1String("moon"))
         return MoonCommand::run(rest);
+    if (command == QLatin1String("now"))
+        return NowCommand::run(rest);
     printText(stderr, QStringLiteral("vantorel: unknown command \"%1\"\n").arg(command));
     return UsageError;
 }
@@ -153,7 +157,8 @@ int CommandLine::printHelp(const QStringList &arguments)
     parser.addPositionalArgument(
         QStringLiteral("command"),
         QStringLiteral("fetch: download groups once and exit; report: print a bulletin; moon: "
-                       "describe the Moon. \"vantorel COMMAND --help\" tells more."),
+                       "describe the Moon; now: the space weather now. \"vantorel COMMAND "
+                       "--help\" tells more."),
         QStringLiteral("[command]"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();

@@ -3,6 +3,7 @@
 #include "core/net/AtomicFile.h"
 #include "core/net/ContentCheck.h"
 #include "core/net/NetworkAccess.h"
+#include "core/now/NowDownload.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
 #include "core/sources/NodeDelegate.h"
@@ -184,6 +185,11 @@ QString Node::URL() const
     return stringValue(_dict, "URL");
 }
 
+QString Node::dataKind() const
+{
+    return stringValue(_dict, "DataKind");
+}
+
 // --- Schedule -------------------------------------------------------------------------------
 
 void Node::loadSchedule()
@@ -202,9 +208,14 @@ void Node::loadSchedule()
         _lastUpdateDate = Clock::now();
     }
 
-    _autoUpdates = settings.value(autoUpdateKey(_destFileName)).toInt() != 0;
-    _autoUpdateRate = settings.value(autoUpdateRateKey(_destFileName)).toInt();
-    _downloadsAtStartup = settings.value(downloadAtStartupKey(_destFileName)).toInt() != 0;
+    // A definition may give the schedule a node starts with; what the user chose wins.
+    const auto initial = [this](const char *key) { return integerValue(_dict.value(key)); };
+    _autoUpdates = settings.value(autoUpdateKey(_destFileName), initial("AutoUpdate")).toInt() != 0;
+    _autoUpdateRate =
+        settings.value(autoUpdateRateKey(_destFileName), initial("AutoUpdateRate")).toInt();
+    _downloadsAtStartup =
+        settings.value(downloadAtStartupKey(_destFileName), initial("DownloadAtStartup")).toInt() !=
+        0;
 }
 
 void Node::setAutoUpdates(bool on)
@@ -314,9 +325,9 @@ void Node::beginDownloadingData()
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                          QNetworkRequest::AlwaysNetwork);
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    // Ask for the bytes as they are: the declared length then counts the bytes delivered, and a
-    // compressed answer can never fail the length check.
-    request.setRawHeader("Accept-Encoding", "identity");
+    // Ask for the bytes as they are, or (for JSON data) for gzip that we unpack ourselves: either
+    // way the declared length counts the bytes delivered, which Qt's own unpacking would hide.
+    request.setRawHeader("Accept-Encoding", NowDownload::acceptEncoding(dataKind()));
     request.setHeader(QNetworkRequest::UserAgentHeader, NetworkAccess::userAgent());
 
     QNetworkReply *reply = NetworkAccess::manager()->get(request);
@@ -469,6 +480,11 @@ void Node::connectionDidFinishLoading()
         setStatusMessage(QStringLiteral("Err"), errorStatusLong());
         reportFailure(failedText(
             _itemName, QStringLiteral("the server sent something other than the expected file")));
+    } else if (const QString problem =
+                   NowDownload::check(dataKind(), _download->rawHeader("Content-Encoding"), data);
+               !problem.isEmpty()) {
+        setStatusMessage(QStringLiteral("Err"), errorStatusLong());
+        reportFailure(failedText(_itemName, problem));
     } else {
         if (!data.commit()) {
             setStatusMessage(QStringLiteral("Err"), errorStatusLong());

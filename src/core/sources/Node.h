@@ -57,6 +57,8 @@ public:
     // Read from the kept definition on every call; an absent key gives an empty text.
     QString dataSource() const;
     QString URL() const;
+    // "DataKind": how a provider's data file is read (core/now); empty for pictures and reports.
+    QString dataKind() const;
     NodeDelegate *delegate() const { return _delegate; }
 
     bool isNode() const override { return true; }

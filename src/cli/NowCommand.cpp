@@ -36,8 +36,8 @@ int NowCommand::run(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Prints the space weather now from the data of the Now group on disk, without the "
-        "network (\"vantorel fetch Now\" downloads it). Times are UTC.\n"
+        "Prints the space weather now from the data files of the Now group (DataNow.plist) on "
+        "disk, without the network. Times are UTC.\n"
         "Exit code: 0 when every value is there and none is stale, 1 otherwise, 2 for a usage "
         "error."));
     parser.addHelpOption();

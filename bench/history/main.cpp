@@ -1,6 +1,7 @@
 // The providers' JSON data, measured without a display: what a download costs the main thread
-// (unpacking and checking the shape of a one-day, one-minute solar-wind file) and what the
-// history's thread spends reading that file and merging it into a history of 90 days.
+// (unpacking and checking the shape of a one-day, one-minute solar-wind file, then handing it to
+// the history) and what the history's thread spends reading that file and merging it into a
+// history of 90 days.
 //
 //   vantorel-bench-history FOLDER ROUNDS
 //
@@ -10,11 +11,13 @@
 #include "core/now/NowDownload.h"
 #include "core/now/NowFormat.h"
 #include "core/now/NowHistory.h"
+#include "core/now/NowRecorder.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -24,6 +27,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -139,15 +143,15 @@ int main(int argc, char **argv)
     }
 
     // ... and merge it into a history that already holds 90 days of the same series.
-    NowHistory history(NowHistory::pathInFolder(folder));
+    auto history = std::make_unique<NowHistory>(NowHistory::pathInFolder(folder));
     QElapsedTimer filling;
     filling.start();
     for (int back = 90; back >= 1; --back) {
         NowSamples earlier = day;
         for (NowSample &sample : earlier)
             sample.time -= back * kDay;
-        if (history.merge(QStringLiteral("solar-wind"), earlier, now, 400) < 0) {
-            std::fprintf(stderr, "the history failed: %s\n", qPrintable(history.lastError()));
+        if (history->merge(QStringLiteral("solar-wind"), earlier, now, 400) < 0) {
+            std::fprintf(stderr, "the history failed: %s\n", qPrintable(history->lastError()));
             return 1;
         }
     }
@@ -161,10 +165,30 @@ int main(int argc, char **argv)
             sample.time += (round + 1) * 300;
         QElapsedTimer timer;
         timer.start();
-        const int written = history.merge(QStringLiteral("solar-wind"), next, now, 400);
+        const int written = history->merge(QStringLiteral("solar-wind"), next, now, 400);
         mergeMs.push_back(double(timer.nsecsElapsed()) / 1e6);
         if (written != next.size())
             return 1;
+    }
+    history.reset();
+
+    // What the main thread spends when a download is handed to the history, and how long the
+    // history's thread then takes to read and merge it.
+    const QString file = QDir(folder).filePath(QStringLiteral("wind.json"));
+    std::vector<double> handOverMs;
+    std::vector<double> recordedMs;
+    {
+        NowRecorder recorder(NowHistory::pathInFolder(folder));
+        QEventLoop loop;
+        QObject::connect(&recorder, &NowRecorder::recorded, &loop, &QEventLoop::quit);
+        for (int round = 0; round < rounds; ++round) {
+            QElapsedTimer timer;
+            timer.start();
+            recorder.record(QStringLiteral("solar-wind"), file);
+            handOverMs.push_back(double(timer.nsecsElapsed()) / 1e6);
+            loop.exec();
+            recordedMs.push_back(double(timer.nsecsElapsed()) / 1e6);
+        }
     }
 
     const QJsonObject result{
@@ -182,6 +206,10 @@ int main(int argc, char **argv)
         {QStringLiteral("parse_median_ms"), median(parseMs)},
         {QStringLiteral("merge_ms"), toArray(mergeMs)},
         {QStringLiteral("merge_median_ms"), median(mergeMs)},
+        {QStringLiteral("hand_over_ms"), toArray(handOverMs)},
+        {QStringLiteral("hand_over_median_ms"), median(handOverMs)},
+        {QStringLiteral("recorded_ms"), toArray(recordedMs)},
+        {QStringLiteral("recorded_median_ms"), median(recordedMs)},
     };
     std::printf("%s\n", QJsonDocument(result).toJson(QJsonDocument::Compact).constData());
     return 0;

@@ -392,6 +392,31 @@ class Bench:
                  during, idle, "ms", "< 20 ms (baseline: idle)", during / idle, during < 20,
                  f"worst of 3 runs of {seconds:.1f} s; switching views alone: {switching:.1f} ms")
 
+    # --- the providers' JSON data and the history ------------------------------------------
+
+    def bench_history(self):
+        command = [str(self.bin / "vantorel-bench-history"), str(self.work / "history"),
+                   str(self.rounds * 3)]
+        done = subprocess.run(command, env=self.env, capture_output=True, text=True, timeout=900,
+                              check=True)
+        result = json.loads(done.stdout.splitlines()[-1])
+        self.results["history"] = result
+        frame = 16.0
+        check = result["check_median_ms"]
+        self.row("Main thread: unpack and check a 1-day 1-minute solar-wind download",
+                 check, frame, "ms", "< 16 ms (one frame)", check / frame, check < frame,
+                 f"{result['gzip_bytes'] / 1e3:.0f} KB gzip, {result['plain_bytes'] / 1e6:.1f} MB "
+                 f"unpacked")
+        merge = result["merge_median_ms"]
+        hand_over = result["hand_over_median_ms"]
+        self.row("Main thread: hand that day to the history (1-minute rows, 90-day history)",
+                 hand_over, frame, "ms", "< 16 ms (one frame)", hand_over / frame,
+                 hand_over < frame,
+                 f"the history's own thread then reads the file in "
+                 f"{result['parse_median_ms']:.1f} ms and merges its {result['samples_per_day']} "
+                 f"samples into {result['history_rows']} rows ({result['history_bytes'] / 1e6:.0f} "
+                 f"MB) in {merge:.1f} ms; {result['recorded_median_ms']:.1f} ms in all")
+
     # --- all -----------------------------------------------------------------------------------
 
     def run(self, only):
@@ -408,7 +433,7 @@ class Bench:
         try:
             steps = [("transfers", self.bench_transfers), ("startup", self.bench_startup),
                      ("image", self.bench_image), ("reformat", self.bench_reformat),
-                     ("stall", self.bench_stall)]
+                     ("stall", self.bench_stall), ("history", self.bench_history)]
             for name, step in steps:
                 if only and name not in only:
                     continue
@@ -460,7 +485,7 @@ def main():
     parser.add_argument("--build", required=True)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", default="", help="comma-separated: " +
-                        "startup,transfers,image,reformat,stall")
+                        "startup,transfers,image,reformat,stall,history")
     parser.add_argument("--scratch", help="where fetched files are written (default: in BUILD)")
     args = parser.parse_args()
     only = {x for x in args.only.split(",") if x}

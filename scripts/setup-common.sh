@@ -10,7 +10,8 @@ VANTOREL_BUILD="${VANTOREL_BUILD:-$VANTOREL_ROOT/build}"
 VANTOREL_PACKAGES=(
     g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
-    libplist-dev
+    libqt6sql6-sqlite  # the local history's database driver, loaded at run time
+    libplist-dev zlib1g-dev
     fonts-dejavu-core
     desktop-file-utils appstream
     dpkg-dev  # dpkg-shlibdeps: the Debian package's library dependencies

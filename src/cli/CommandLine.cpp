@@ -3,6 +3,7 @@
 #include "cli/Command.h"
 #include "cli/FetchCommand.h"
 #include "cli/MoonCommand.h"
+#include "cli/NowCommand.h"
 #include "cli/ReportCommand.h"
 
 #include <QCommandLineParser>
@@ -19,6 +20,7 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<FetchCommand>());
     commands.push_back(std::make_unique<ReportCommand>());
     commands.push_back(std::make_unique<MoonCommand>());
+    commands.push_back(std::make_unique<NowCommand>());
     return commands;
 }
 

@@ -103,7 +103,7 @@ void TestCommands::answers_data()
         QTest::newRow(name) << arguments << code << QByteArray(text);
     };
     const QByteArray version = QByteArray("vantorel ") + BuildInfo::version + '\n';
-    row("help", {"--help"}, 0, "moon: describe the Moon.");
+    row("help", {"--help"}, 0, "moon: describe the Moon; now: print the space");
     row("version", {"-v"}, 0, version);
     row("unknown command", {"jupiter"}, 2, "vantorel: unknown command \"jupiter\"\n");
     for (const char *command :

@@ -14,7 +14,7 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 for file in \
     bin/vantorel \
     share/vantorel/DataSun.plist share/vantorel/DataGraphs.plist share/vantorel/DataAurora.plist \
-    share/vantorel/DataEarth.plist share/vantorel/DataAlerts.plist \
+    share/vantorel/DataEarth.plist share/vantorel/DataAlerts.plist share/vantorel/DataNow.plist \
     share/vantorel/DefaultDescription.txt share/vantorel/PhaseNames.plist \
     share/applications/org.example.Vantorel.desktop \
     share/metainfo/org.example.Vantorel.metainfo.xml \
@@ -37,4 +37,7 @@ cd "$work"
 list="$("$prefix/bin/vantorel" report --list --data-dir "$work/data")" || fail "report --list"
 echo "$list" | grep -q 'RSGA.txt' || fail "the installed program does not find its resources"
 "$prefix/bin/vantorel" moon --date 2008-01-01 | grep -q '^Moon Phase for ' || fail "moon"
+# No data yet (exit 1), but the Now group's definitions are found: nothing on standard error.
+now_errors="$("$prefix/bin/vantorel" now --data-dir "$work/data" 2>&1 >/dev/null || true)"
+[ -z "$now_errors" ] || fail "now: $now_errors"
 echo "installation checked in $prefix"

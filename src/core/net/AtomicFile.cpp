@@ -42,6 +42,16 @@ void AtomicFile::clear()
         _failed = true;
 }
 
+QByteArray AtomicFile::contents()
+{
+    if (_failed || !_file || !_file->flush() || !_file->seek(0))
+        return QByteArray();
+    const QByteArray bytes = _file->readAll();
+    if (!_file->seek(_file->size()))
+        _failed = true;
+    return bytes;
+}
+
 bool AtomicFile::commit()
 {
     if (_failed || !_file || !_file->flush())

@@ -35,6 +35,9 @@ public:
     void append(QByteArrayView chunk);
     // Forgets everything appended so far.
     void clear();
+    // Reads back what was appended so far (nothing when a write failed), for a check of the
+    // whole body before commit().
+    QByteArray contents();
     qint64 size() const { return _size; }
     bool isEmpty() const { return _size == 0; }
     // Puts the bytes in place of the target; false (and the target untouched) when any write

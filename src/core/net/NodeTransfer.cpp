@@ -50,9 +50,9 @@ NodeTransfer::Start NodeTransfer::start(const Request &request)
     networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                                 QNetworkRequest::AlwaysNetwork);
     networkRequest.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    // Ask for the bytes as they are: the declared length then counts the bytes delivered, and a
-    // compressed answer can never fail the length check.
-    networkRequest.setRawHeader("Accept-Encoding", "identity");
+    // Never "gzip, deflate" left to Qt: Qt unpacks such an answer itself and hides the declared
+    // length, so a body cut short would pass the length check.
+    networkRequest.setRawHeader("Accept-Encoding", request.acceptEncoding);
     networkRequest.setHeader(QNetworkRequest::UserAgentHeader, NetworkAccess::userAgent());
 
     QNetworkReply *reply = NetworkAccess::manager()->get(networkRequest);
@@ -210,6 +210,11 @@ QString NodeTransfer::conclude()
                               "available at this time)");
     if (!ContentCheck::isExpected(_request.fileType, _firstBytes))
         return QStringLiteral("the server sent something other than the expected file");
+    if (_request.finalCheck) {
+        const QByteArray encoding = _reply ? _reply->rawHeader("Content-Encoding") : QByteArray();
+        if (const QString problem = _request.finalCheck(encoding, *_data); !problem.isEmpty())
+            return problem;
+    }
     if (!_data->commit())
         return QStringLiteral("unable to write file");
     return QString();

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class AtomicFile;
@@ -33,6 +34,12 @@ public:
         bool overrideDataMismatch = false;
         // How long the server may stay silent before the transfer fails.
         int timeoutMilliseconds = 0;
+        // "identity" asks for the bytes as they are, so that the declared length counts the
+        // bytes delivered; a node that unpacks its data itself may ask for "gzip".
+        QByteArray acceptEncoding = "identity";
+        // A last check of the whole body before it replaces the data file (it may rewrite the
+        // body, to unpack it): empty to go on, otherwise the failure's reason.
+        std::function<QString(const QByteArray &contentEncoding, AtomicFile &data)> finalCheck;
     };
     enum class Start { Started, NotHttpAddress, NoConnection };
 

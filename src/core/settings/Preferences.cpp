@@ -21,6 +21,7 @@ const char *registeredDefault(const char *key)
         {Preferences::kDownloadMissingData, "1"},
         {Preferences::kTimeoutSeconds, "60"},
         {Preferences::kSouthernHemisphere, "0"},
+        {Preferences::kHistoryRetentionDays, "400"},
     };
     for (const auto &d : defaults) {
         if (qstrcmp(d.key, key) == 0)
@@ -81,6 +82,7 @@ void Preferences::loadPreferences(QSettings &settings)
     _downloadMissingData = readInt(settings, kDownloadMissingData) != 0;
     _timeoutSeconds = readFloat(settings, kTimeoutSeconds);
     _southernHemisphere = readInt(settings, kSouthernHemisphere) != 0;
+    _historyRetentionDays = readInt(settings, kHistoryRetentionDays);
 }
 
 void Preferences::savePreferences(QSettings &settings) const
@@ -92,4 +94,5 @@ void Preferences::savePreferences(QSettings &settings) const
     settings.setValue(QLatin1String(kDownloadMissingData), int(_downloadMissingData));
     settings.setValue(QLatin1String(kTimeoutSeconds), double(_timeoutSeconds));
     settings.setValue(QLatin1String(kSouthernHemisphere), int(_southernHemisphere));
+    settings.setValue(QLatin1String(kHistoryRetentionDays), _historyRetentionDays);
 }

@@ -36,6 +36,12 @@ public:
         return seconds > 0.0f ? seconds : kDefaultTimeoutSeconds;
     }
     bool southernHemisphere() const { return _southernHemisphere; }
+    // How many days the local history of the providers' data keeps; less than one day means the
+    // default.
+    int historyRetentionDays() const
+    {
+        return _historyRetentionDays >= 1 ? _historyRetentionDays : kDefaultHistoryRetentionDays;
+    }
 
     void setLastView(int view) { _lastView = view; }
     void setOnline(bool online) { _isOnline = online; }
@@ -51,6 +57,7 @@ public:
     // A time-out for this run only (the --timeout option); never stored.
     void setTimeoutOverride(float seconds) { _timeoutOverride = seconds; }
     void setSouthernHemisphere(bool on) { _southernHemisphere = on; }
+    void setHistoryRetentionDays(int days) { _historyRetentionDays = days; }
 
     static constexpr const char *kLastView = "lastView";
     static constexpr const char *kIsOnline = "isOnline";
@@ -59,7 +66,9 @@ public:
     static constexpr const char *kDownloadMissingData = "downloadMissingData";
     static constexpr const char *kTimeoutSeconds = "timeoutSeconds";
     static constexpr const char *kSouthernHemisphere = "southernHemisphere";
+    static constexpr const char *kHistoryRetentionDays = "historyRetentionDays";
     static constexpr float kDefaultTimeoutSeconds = 60.0f;
+    static constexpr int kDefaultHistoryRetentionDays = 400;
 
 private:
     int _lastView = -1;
@@ -69,5 +78,6 @@ private:
     bool _downloadMissingData = true;
     float _timeoutSeconds = kDefaultTimeoutSeconds;
     bool _southernHemisphere = false;
+    int _historyRetentionDays = kDefaultHistoryRetentionDays;
     std::optional<float> _timeoutOverride;
 };

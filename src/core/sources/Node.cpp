@@ -1,6 +1,7 @@
 #include "core/sources/Node.h"
 
 #include "core/net/NodeTransfer.h"
+#include "core/now/NowDownload.h"
 #include "core/settings/Preferences.h"
 #include "core/sources/NodeDelegate.h"
 
@@ -61,7 +62,8 @@ Node::Node(const QVariantMap &dict, NodeDelegate *delegate, const QString &dataF
            bool overrideDataMismatch)
     : _delegate(delegate), _definition(dict),
       _filePath(pathInFolder(dataFolderPath, _definition.destFileName())),
-      _overrideDataMismatch(overrideDataMismatch), _schedule(_definition.destFileName())
+      _overrideDataMismatch(overrideDataMismatch),
+      _schedule(_definition.destFileName(), _definition.scheduleDefaults())
 {
     // The first status is set quietly: nobody is listening yet.
     _state = fileDownloaded() ? State::Done : State::Unloaded;
@@ -158,6 +160,13 @@ void Node::beginDownloadingData()
     request.filePath = _filePath;
     request.fileType = fileType();
     request.overrideDataMismatch = _overrideDataMismatch;
+    const QString kind = _definition.dataKind();
+    request.acceptEncoding = NowDownload::acceptEncoding(kind);
+    if (!kind.isEmpty()) {
+        request.finalCheck = [kind](const QByteArray &contentEncoding, AtomicFile &data) {
+            return NowDownload::check(kind, contentEncoding, data);
+        };
+    }
     request.timeoutMilliseconds = int(std::clamp(ms, 1.0, double(std::numeric_limits<int>::max())));
 
     switch (_transfer->start(request)) {

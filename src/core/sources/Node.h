@@ -66,6 +66,8 @@ public:
     // Read from the kept definition on every call; an absent key gives an empty text.
     QString dataSource() const { return _definition.dataSource(); }
     QString URL() const { return _definition.URL(); }
+    // "DataKind": how a provider's data file is read (core/now); empty for pictures and reports.
+    QString dataKind() const { return _definition.dataKind(); }
     NodeDelegate *delegate() const { return _delegate; }
 
     bool isNode() const override { return true; }

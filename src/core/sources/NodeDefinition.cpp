@@ -68,3 +68,16 @@ QString NodeDefinition::URL() const
 {
     return stringValue(_dict, "URL");
 }
+
+QString NodeDefinition::dataKind() const
+{
+    return stringValue(_dict, "DataKind");
+}
+
+NodeSchedule::Defaults NodeDefinition::scheduleDefaults() const
+{
+    const auto value = [this](const char *key) {
+        return integerValue(_dict.value(QLatin1String(key)));
+    };
+    return {value("AutoUpdate") != 0, value("AutoUpdateRate"), value("DownloadAtStartup") != 0};
+}

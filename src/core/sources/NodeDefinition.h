@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/sources/NodeSchedule.h"
+
 #include <QString>
 #include <QVariantMap>
 
@@ -29,6 +31,10 @@ public:
     int fileType() const { return _fileType; }
     QString dataSource() const;
     QString URL() const;
+    // "DataKind": how a provider's data file is read (core/now); empty for pictures and reports.
+    QString dataKind() const;
+    // "AutoUpdate", "AutoUpdateRate" and "DownloadAtStartup": the schedule a node starts with.
+    NodeSchedule::Defaults scheduleDefaults() const;
 
 private:
     QVariantMap _dict;

@@ -6,7 +6,8 @@
 
 #include <QSettings>
 
-NodeSchedule::NodeSchedule(const QString &destFileName) : _destFileName(destFileName)
+NodeSchedule::NodeSchedule(const QString &destFileName, const Defaults &defaults)
+    : _destFileName(destFileName)
 {
     QSettings &settings = Settings::store();
     const QString stored = settings.value(lastUpdateKey(_destFileName)).toString();
@@ -19,9 +20,13 @@ NodeSchedule::NodeSchedule(const QString &destFileName) : _destFileName(destFile
         _lastUpdateDate = Clock::now();
     }
 
-    _autoUpdates = settings.value(autoUpdateKey(_destFileName)).toInt() != 0;
-    _autoUpdateRate = settings.value(autoUpdateRateKey(_destFileName)).toInt();
-    _downloadsAtStartup = settings.value(downloadAtStartupKey(_destFileName)).toInt() != 0;
+    _autoUpdates =
+        settings.value(autoUpdateKey(_destFileName), int(defaults.autoUpdates)).toInt() != 0;
+    _autoUpdateRate =
+        settings.value(autoUpdateRateKey(_destFileName), defaults.autoUpdateRate).toInt();
+    _downloadsAtStartup =
+        settings.value(downloadAtStartupKey(_destFileName), int(defaults.downloadsAtStartup))
+            .toInt() != 0;
     calculateNextUpdate();
 }
 

@@ -11,7 +11,13 @@ class NodeSchedule {
 public:
     // Reads the stored schedule of the data file's node and computes the next update. A node
     // without history (or with a stored text that does not read back) counts as updated now.
-    explicit NodeSchedule(const QString &destFileName);
+    // A definition may give the schedule a node starts with; what the user chose wins.
+    struct Defaults {
+        bool autoUpdates = false;
+        int autoUpdateRate = 0;
+        bool downloadsAtStartup = false;
+    };
+    NodeSchedule(const QString &destFileName, const Defaults &defaults);
 
     bool autoUpdates() const { return _autoUpdates; }
     int autoUpdateRate() const { return _autoUpdateRate; }

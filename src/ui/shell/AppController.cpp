@@ -89,7 +89,6 @@ void AppController::buildInterface()
     _core->setLog(_log);
 
     _window = new MainWindow;
-    _window->setWindowIcon(NamedImage::icon(QStringLiteral("Vantorel")));
     connect(_window, &MainWindow::closeRequested, this, &AppController::windowShouldClose);
     // Each view keeps its place in the stack by its number; until it is built, an empty
     // stand-in holds the place.
@@ -505,6 +504,11 @@ void AppController::awakeFromNib()
 
     _core->prepareDataFolder();
     loadPreferences();
+    // The picture that the view shown first shows before anything is selected is drawn on
+    // another processor while this thread builds the window.
+    if (const int first = _lastView >= 0 && _lastView < kViewCount ? _lastView : 0; first < 4)
+        NamedImage::prepare({DomainGroup::placeholdersForGroup(first).splash},
+                            _window->devicePixelRatioF());
     initToolbar();
     _awake = true;
 
@@ -547,7 +551,7 @@ void AppController::continueLaunching()
         return;
     switch (_launchStep++) {
     case 0:
-        _toolbar->loadThemeIcons();
+        showOwnIcons();
         break;
     case 1:
         ensureDialogs();
@@ -566,11 +570,21 @@ void AppController::continueLaunching()
     QTimer::singleShot(0, this, &AppController::continueLaunching);
 }
 
+void AppController::showOwnIcons()
+{
+    // The window system asks for the application's picture at several sizes, and the icon
+    // theme's index is read at its first use: both cost more than a frame, and neither is part of
+    // what the window draws, so they wait until it has drawn its first frame.
+    if (!_window->testAttribute(Qt::WA_SetWindowIcon))
+        _window->setWindowIcon(NamedImage::icon(QStringLiteral("Vantorel")));
+    _toolbar->loadThemeIcons();
+}
+
 void AppController::finishLaunching()
 {
     if (!_awake || _launchFinished || _terminated)
         return;
-    _toolbar->loadThemeIcons();
+    showOwnIcons();
     ensureDialogs();
     for (int number = 0; number < kViewCount; ++number)
         ensureView(number);
@@ -582,14 +596,14 @@ void AppController::finishLaunching()
     runStartupDownloads();
     startScheduler();
 
-    // The placeholder pictures of every image view, rendered in idle time, so that the first
+    // The placeholder pictures of every image view, rendered in the background, so that the first
     // switch to a view or the first missing item does not stop to draw them.
     QStringList placeholders;
     for (int group = 0; group < 4; ++group) {
         const DomainGroup::Placeholders names = DomainGroup::placeholdersForGroup(group);
         placeholders << names.splash << names.downloading << names.noData;
     }
-    NamedImage::renderInIdleTime(placeholders, _window->devicePixelRatioF(), 1000);
+    NamedImage::renderInBackground(placeholders, _window->devicePixelRatioF(), 1000);
 }
 
 void AppController::windowShouldClose()

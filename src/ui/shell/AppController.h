@@ -172,6 +172,8 @@ private:
     void launchView(int viewNumber);
     // One step of what start-up leaves for after the first frame; it schedules the next.
     void continueLaunching();
+    // The window's own picture and the icon theme's pictures in the toolbar.
+    void showOwnIcons();
     void openAboutLink(const QUrl &address);
 
     AppCore *_core = nullptr;

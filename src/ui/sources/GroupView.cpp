@@ -321,9 +321,16 @@ void GroupView::setLastNodeViewed(const QString &name)
 
 // --- Display ----------------------------------------------------------------------------------
 
+void GroupView::showPlaceholder(const QString &name)
+{
+    ++_imageRequest;
+    _imageNode = nullptr;
+    _detailPane->showPlaceholder(name);
+}
+
 void GroupView::showSplash()
 {
-    _detailPane->showPlaceholder(_placeholders.splash);
+    showPlaceholder(_placeholders.splash);
 }
 
 void GroupView::updateInterfaceForSelection()
@@ -337,20 +344,43 @@ void GroupView::updateInterfaceForSelection()
 void GroupView::displayImageForNode(Node *node)
 {
     if (node->fileDownloaded()) {
-        const QPixmap image = getScaledImageFromFileAtPath(node->filePath());
-        if (!image.isNull()) {
-            _detailPane->showImage(image);
-            updateImageWindowForNode(node);
-            updateInterfaceForSelection();
+        const QString path = node->filePath();
+        if (!ScaledImage::isLarge(path)) {
+            showNodeImage(node, getScaledImageFromFileAtPath(path));
             return;
         }
-        _detailPane->showPlaceholder(_placeholders.noData);
+        // A large picture takes longer to decode than a frame lasts: it is decoded beside the
+        // event loop. Meanwhile the node's previous picture stays, and a node just selected
+        // shows none; a newer request makes this one stale.
+        const quint64 request = ++_imageRequest;
+        if (_imageNode != node) {
+            _imageNode = nullptr;
+            _detailPane->showImage(QPixmap());
+        }
+        ScaledImage::fromFileInBackground(
+            path, devicePixelRatioF(), this, [this, node, request](const QPixmap &image) {
+                if (request == _imageRequest && node == _group->selectedNode())
+                    showNodeImage(node, image);
+            });
     } else {
         // Queued already, or queued now when missing data is fetched: either way it is coming,
         // unless its download failed at once (an address that cannot be fetched) and it has left
         // the queue again.
         const bool coming = _group->queueMissingData(node) && _group->nodeIsInDownloadQueue(node);
-        _detailPane->showPlaceholder(coming ? _placeholders.downloading : _placeholders.noData);
+        showPlaceholder(coming ? _placeholders.downloading : _placeholders.noData);
+    }
+    updateInterfaceForSelection();
+}
+
+void GroupView::showNodeImage(Node *node, const QPixmap &image)
+{
+    if (image.isNull()) {
+        showPlaceholder(_placeholders.noData);
+    } else {
+        ++_imageRequest;
+        _imageNode = node;
+        _detailPane->showImage(image);
+        updateImageWindowForNode(node);
     }
     updateInterfaceForSelection();
 }
@@ -406,7 +436,7 @@ void GroupView::nodeDownloadFailed(Node *node)
     // Without data the "downloading" picture would now be a lie. The node is not queued again
     // from here: a download that fails at once would otherwise fail again for ever.
     if (!node->fileDownloaded())
-        _detailPane->showPlaceholder(_placeholders.noData);
+        showPlaceholder(_placeholders.noData);
     updateInterfaceForSelection();
 }
 

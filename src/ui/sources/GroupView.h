@@ -126,7 +126,10 @@ signals:
 private:
     void buildInterface();
     void connectGroup();
+    // What the picture area shows; each one makes a picture still being decoded stale.
+    void showPlaceholder(const QString &name);
     void showSplash();
+    void showNodeImage(Node *node, const QPixmap &image);
     void restoreExpansion();
     void userExpanded(const QModelIndex &index);
     void userCollapsed(const QModelIndex &index);
@@ -150,6 +153,10 @@ private:
     QPushButton *_refreshDomainButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
     ViewSizeKeeper *_sizeKeeper = nullptr;
+    // The node whose picture is shown, if any, and the number of the latest request for a
+    // picture: a large picture decoded in the background is shown only if no other came since.
+    const Node *_imageNode = nullptr;
+    quint64 _imageRequest = 0;
     // Restoring the expansion at start-up is not the user's choice and must not be remembered
     // as one; a double click that toggles a domain is, and is remembered.
     bool _restoringExpansion = false;

@@ -29,6 +29,7 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QTextBrowser>
+#include <QThreadPool>
 #include <QTreeView>
 #include <QtTest>
 
@@ -58,6 +59,7 @@ private slots:
     void nodeControls();
     void imageTable_data();
     void imageTable();
+    void staleLargePictureIsDropped();
     void reselectingOnlyRefreshesControls();
     void losingTheSelection();
     void descriptions();
@@ -386,7 +388,7 @@ void TestGroupView::imageTable()
     click(view.get(), a);
 
     if (shown == QLatin1String("image"))
-        QCOMPARE(view->shownImage().deviceIndependentSize().toSize(), QSize(800, 600));
+        QTRY_COMPARE(view->shownImage().deviceIndependentSize().toSize(), QSize(800, 600));
     else if (shown == QLatin1String("downloading"))
         QCOMPARE(view->shownImage().cacheKey(), view->downloadingImage().cacheKey());
     else
@@ -396,6 +398,19 @@ void TestGroupView::imageTable()
         QCOMPARE(view->outlineModel()->data(view->outlineModel()->indexForNode(a, 1)).toString(),
                  QStringLiteral("-"));
     _group->cancelAllDownloads();
+}
+
+void TestGroupView::staleLargePictureIsDropped()
+{
+    writeImage(QStringLiteral("a.png"), QSize(1600, 1200)); // decoded in the background
+    Preferences::shared().setOnline(false);
+    auto view = load();
+    click(view.get(), node(0, 0));
+    click(view.get(), node(0, 1)); // chosen before a.png's picture is ready
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QCOMPARE(view->selectedNode(), node(0, 1));
+    QCOMPARE(view->shownImage().cacheKey(), view->noDataImage().cacheKey());
 }
 
 void TestGroupView::reselectingOnlyRefreshesControls()

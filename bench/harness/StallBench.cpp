@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 
 namespace {
@@ -30,7 +31,17 @@ namespace {
 struct Gap {
     double start;
     double length;
+    // The main thread's processor time within the gap: the work that kept it from the timer. On a
+    // busy machine the gap also holds waiting for a processor; this does not.
+    double busy;
 };
+
+double threadCpuMs()
+{
+    timespec ts{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+    return double(ts.tv_sec) * 1e3 + double(ts.tv_nsec) / 1e6;
+}
 
 class Probe : public QObject {
 public:
@@ -40,14 +51,17 @@ public:
         _timer.setInterval(1);
         connect(&_timer, &QTimer::timeout, this, [this] {
             const double now = Harness::nowMs();
-            _gaps.push_back({_last, now - _last});
+            const double cpu = threadCpuMs();
+            _gaps.push_back({_last, now - _last, cpu - _lastCpu});
             _last = now;
+            _lastCpu = cpu;
         });
     }
     void start()
     {
         _gaps.clear();
         _last = Harness::nowMs();
+        _lastCpu = threadCpuMs();
         _timer.start();
     }
     std::vector<Gap> stop()
@@ -60,6 +74,7 @@ private:
     QTimer _timer;
     std::vector<Gap> _gaps;
     double _last = 0;
+    double _lastCpu = 0;
 };
 
 struct Event {
@@ -67,29 +82,41 @@ struct Event {
     QString what;
 };
 
+// What happened last before the gap began, or during it.
+QString contextOf(const Gap &gap, const std::vector<Event> &events, double phaseStart)
+{
+    QString context = QStringLiteral("-");
+    for (const Event &event : events) {
+        if (event.at <= gap.start + gap.length)
+            context =
+                event.what + QStringLiteral(" at +%1 ms").arg(event.at - phaseStart, 0, 'f', 1);
+    }
+    return context;
+}
+
+QJsonArray worstOf(std::vector<Gap> gaps, double Gap::*by, const std::vector<Event> &events,
+                   double phaseStart)
+{
+    std::sort(gaps.begin(), gaps.end(), [by](const Gap &a, const Gap &b) { return a.*by > b.*by; });
+    gaps.resize(std::min<size_t>(gaps.size(), 5));
+    QJsonArray worst;
+    for (const Gap &gap : gaps) {
+        worst.append(QJsonObject{{QStringLiteral("gap_ms"), gap.length},
+                                 {QStringLiteral("busy_ms"), gap.busy},
+                                 {QStringLiteral("at_ms"), gap.start - phaseStart},
+                                 {QStringLiteral("after"), contextOf(gap, events, phaseStart)}});
+    }
+    return worst;
+}
+
 QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &events,
                     double phaseStart)
 {
     std::vector<double> lengths;
-    for (const Gap &gap : gaps)
+    double maxBusy = 0;
+    for (const Gap &gap : gaps) {
         lengths.push_back(gap.length);
-    std::vector<Gap> longest = gaps;
-    std::sort(longest.begin(), longest.end(),
-              [](const Gap &a, const Gap &b) { return a.length > b.length; });
-    longest.resize(std::min<size_t>(longest.size(), 5));
-
-    QJsonArray worst;
-    for (const Gap &gap : longest) {
-        // What happened last before the gap began, or during it.
-        QString context = QStringLiteral("-");
-        for (const Event &event : events) {
-            if (event.at <= gap.start + gap.length)
-                context =
-                    event.what + QStringLiteral(" at +%1 ms").arg(event.at - phaseStart, 0, 'f', 1);
-        }
-        worst.append(QJsonObject{{QStringLiteral("gap_ms"), gap.length},
-                                 {QStringLiteral("at_ms"), gap.start - phaseStart},
-                                 {QStringLiteral("after"), context}});
+        maxBusy = std::max(maxBusy, gap.busy);
     }
     std::sort(lengths.begin(), lengths.end());
     const auto percentile = [&](double p) {
@@ -105,7 +132,9 @@ QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &even
                        {QStringLiteral("p99_gap_ms"), percentile(0.99)},
                        {QStringLiteral("p999_gap_ms"), percentile(0.999)},
                        {QStringLiteral("gaps_over_20_ms"), over},
-                       {QStringLiteral("worst"), worst}};
+                       {QStringLiteral("max_busy_ms"), maxBusy},
+                       {QStringLiteral("worst"), worstOf(gaps, &Gap::length, events, phaseStart)},
+                       {QStringLiteral("busiest"), worstOf(gaps, &Gap::busy, events, phaseStart)}};
 }
 
 Node *bigNode(NodeGroup *group)

@@ -3,9 +3,9 @@
 #include "core/settings/Settings.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
-#include "core/util/GeometryText.h"
 #include "ui/common/FailureLine.h"
 #include "ui/common/FileManager.h"
+#include "ui/common/ViewSizeKeeper.h"
 #include "ui/sources/NodeScheduler.h"
 
 #include <QApplication>
@@ -20,7 +20,7 @@
 #include <QVBoxLayout>
 
 AlertsView::AlertsView(FlatGroup *group, ActivityLog *log, QWidget *parent)
-    : QWidget(parent), _group(group), _log(log)
+    : QWidget(parent), _group(group), _log(log), _sizeKeeper(new ViewSizeKeeper(this))
 {
     buildInterface();
     connectGroup();
@@ -167,8 +167,24 @@ void AlertsView::setTextForSelectedNode(Node *node)
 
 void AlertsView::setTextViewText(const QString &text)
 {
+    // Wrapping a long report takes longer than a frame, and a view that is not on screen has no
+    // width of its own yet: it would wrap the report once now and again when first shown. It
+    // keeps the text until then.
+    _textPending = !isVisible();
+    if (_textPending) {
+        _pendingText = text;
+        return;
+    }
+    _pendingText.clear();
     clearTextViewText();
     _nodeDataTextView->setPlainText(text);
+}
+
+void AlertsView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (_textPending)
+        setTextViewText(_pendingText);
 }
 
 void AlertsView::clearTextViewText()
@@ -280,28 +296,16 @@ void AlertsView::nodeDownloadFailed(Node *node)
     updateInterfaceForSelection();
 }
 
-void AlertsView::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    _laidOut = true;
-}
-
 void AlertsView::loadFrameSize()
 {
-    QSettings &settings = Settings::store();
-    const QString size = settings.value(QLatin1String(kViewSizeKey)).toString();
-    if (!size.isEmpty())
-        resize(GeometryText::toViewSize(size));
-    _group->setLastAlertMenuIndex(settings.value(QLatin1String(kMenuIndexKey)).toInt());
+    _sizeKeeper->restore(QLatin1String(kViewSizeKey));
+    _group->setLastAlertMenuIndex(Settings::store().value(QLatin1String(kMenuIndexKey)).toInt());
 }
 
 void AlertsView::saveFrameSize()
 {
-    QSettings &settings = Settings::store();
-    // A view never on screen has only the size it was created with; what was stored stays.
-    if (_laidOut)
-        settings.setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
-    settings.setValue(QLatin1String(kMenuIndexKey), _group->lastAlertMenuIndex());
+    _sizeKeeper->store(QLatin1String(kViewSizeKey));
+    Settings::store().setValue(QLatin1String(kMenuIndexKey), _group->lastAlertMenuIndex());
 }
 
 void AlertsView::destroyAllNodes()

@@ -11,6 +11,7 @@ class QComboBox;
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
+class ViewSizeKeeper;
 
 // The Alerts view: a menu of the text bulletins and the selected one, reformatted for reading,
 // with its status, its update times and the controls that reload, cancel and schedule it.
@@ -94,6 +95,8 @@ private:
     QPushButton *_scheduleNodeButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
     QMetaObject::Connection _sheetEnd;
-    // Whether the view has been on screen in this session; see saveFrameSize().
-    bool _laidOut = false;
+    ViewSizeKeeper *_sizeKeeper;
+    // The text given while the view was not on screen (see setTextViewText()).
+    QString _pendingText;
+    bool _textPending = false;
 };

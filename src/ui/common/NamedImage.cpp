@@ -1,11 +1,16 @@
 #include "ui/common/NamedImage.h"
 
+#include "ui/common/ArtworkIconEngine.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QHash>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QThreadPool>
 #include <QTimer>
+
+#include <future>
 
 QString NamedImage::path(const QString &name)
 {
@@ -27,44 +32,97 @@ bool NamedImage::exists(const QString &name)
 QIcon NamedImage::icon(const QString &name)
 {
     const QString file = path(name);
-    return file.isEmpty() ? QIcon() : QIcon(file);
+    if (file.isEmpty())
+        return QIcon();
+    if (file.endsWith(QLatin1String(".svg")))
+        return QIcon(new ArtworkIconEngine(file));
+    return QIcon(file);
 }
+
+namespace {
+
+// Each picture rendered once per pixel density, kept for the whole run; touched on the main
+// thread only.
+QHash<QPair<QString, qreal>, QPixmap> &renderedPictures()
+{
+    static QHash<QPair<QString, qreal>, QPixmap> rendered;
+    return rendered;
+}
+
+// The pictures being rendered by prepare(), until pixmap() takes them.
+QHash<QPair<QString, qreal>, std::shared_future<QImage>> &preparedPictures()
+{
+    static QHash<QPair<QString, qreal>, std::shared_future<QImage>> prepared;
+    return prepared;
+}
+
+} // namespace
 
 QPixmap NamedImage::pixmap(const QString &name, qreal devicePixelRatio)
 {
     // Rendering artwork costs milliseconds; each picture is rendered once per pixel density.
-    static QHash<QPair<QString, qreal>, QPixmap> rendered;
+    auto &rendered = renderedPictures();
     const auto key = qMakePair(name, devicePixelRatio);
     if (const auto it = rendered.constFind(key); it != rendered.cend())
         return *it;
-    const QPixmap result = render(name, devicePixelRatio);
+    const std::shared_future<QImage> prepared = preparedPictures().take(key);
+    const QPixmap result =
+        QPixmap::fromImage(prepared.valid() ? prepared.get() : render(name, devicePixelRatio));
     rendered.insert(key, result);
     return result;
 }
 
-void NamedImage::renderInIdleTime(const QStringList &names, qreal devicePixelRatio, int delayMs)
+void NamedImage::renderInBackground(const QStringList &names, qreal devicePixelRatio, int delayMs)
 {
     if (names.isEmpty() || !QCoreApplication::instance())
         return;
     QTimer::singleShot(delayMs, QCoreApplication::instance(), [names, devicePixelRatio] {
-        pixmap(names.first(), devicePixelRatio);
-        renderInIdleTime(names.mid(1), devicePixelRatio, 0);
+        QThreadPool::globalInstance()->start([names, devicePixelRatio] {
+            for (const QString &name : names) {
+                const QImage image = render(name, devicePixelRatio);
+                QCoreApplication *application = QCoreApplication::instance();
+                if (!application)
+                    return;
+                QMetaObject::invokeMethod(
+                    application,
+                    [name, devicePixelRatio, image] {
+                        // A picture asked for meanwhile is there already, and stays the one
+                        // shown.
+                        const auto key = qMakePair(name, devicePixelRatio);
+                        if (!renderedPictures().contains(key))
+                            renderedPictures().insert(key, QPixmap::fromImage(image));
+                    },
+                    Qt::QueuedConnection);
+            }
+        });
     });
 }
 
-QPixmap NamedImage::render(const QString &name, qreal devicePixelRatio)
+void NamedImage::prepare(const QStringList &names, qreal devicePixelRatio)
+{
+    for (const QString &name : names) {
+        const auto key = qMakePair(name, devicePixelRatio);
+        if (renderedPictures().contains(key) || preparedPictures().contains(key))
+            continue;
+        preparedPictures().insert(key, std::async(std::launch::async, [name, devicePixelRatio] {
+                                           return render(name, devicePixelRatio);
+                                       }).share());
+    }
+}
+
+QImage NamedImage::render(const QString &name, qreal devicePixelRatio)
 {
     const QString file = path(name);
     if (file.isEmpty())
-        return QPixmap();
+        return QImage();
     if (!file.endsWith(QLatin1String(".svg")))
-        return QPixmap(file);
+        return QImage(file);
 
     QSvgRenderer renderer(file);
     if (!renderer.isValid())
-        return QPixmap();
+        return QImage();
     const QSize size = renderer.defaultSize();
-    QPixmap result(size * devicePixelRatio);
+    QImage result(size * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
     result.setDevicePixelRatio(devicePixelRatio);
     result.fill(Qt::transparent);
     QPainter painter(&result);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QImage>
 #include <QPixmap>
 #include <QString>
 #include <QStringList>
@@ -15,11 +16,15 @@ public:
     // The picture at its own size (in points), for the given device pixel ratio; a null pixmap
     // when there is no artwork of that name. Rendered once, then served from memory.
     static QPixmap pixmap(const QString &name, qreal devicePixelRatio = 1.0);
-    // Renders the pictures ahead of need, one per turn of the event loop from the given delay
-    // on, so that showing one later costs nothing and nothing waits behind more than one.
-    static void renderInIdleTime(const QStringList &names, qreal devicePixelRatio, int delayMs);
+    // Renders the pictures ahead of need, from the given delay on, beside the event loop (a
+    // picture with words takes longer than a frame to render, the first one most), so that
+    // showing one later costs nothing.
+    static void renderInBackground(const QStringList &names, qreal devicePixelRatio, int delayMs);
+    // Starts rendering the pictures at once on another thread, for a window about to be drawn
+    // while this thread builds it; pixmap() then waits for that rendering instead of doing it.
+    static void prepare(const QStringList &names, qreal devicePixelRatio);
 
 private:
     static QString path(const QString &name);
-    static QPixmap render(const QString &name, qreal devicePixelRatio);
+    static QImage render(const QString &name, qreal devicePixelRatio);
 };

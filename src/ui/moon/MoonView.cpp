@@ -2,20 +2,19 @@
 
 #include "core/moon/MoonPhaseNames.h"
 #include "core/moon/MoonText.h"
-#include "core/settings/Settings.h"
-#include "core/util/GeometryText.h"
+#include "ui/common/ViewSizeKeeper.h"
 #include "ui/moon/MoonImageView.h"
 #include "ui/moon/MoonPhasePicture.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QSettings>
 #include <QStyle>
 #include <QTimer>
 #include <QVBoxLayout>
 
-MoonView::MoonView(QWidget *parent) : QWidget(parent), _timer(new QTimer(this))
+MoonView::MoonView(QWidget *parent)
+    : QWidget(parent), _timer(new QTimer(this)), _sizeKeeper(new ViewSizeKeeper(this))
 {
     _timer->setInterval(kTimerIntervalMs);
     connect(_timer, &QTimer::timeout, this, &MoonView::updateMoonDate);
@@ -194,22 +193,12 @@ QString MoonView::formatAgeString() const
 
 void MoonView::loadFrameSize()
 {
-    const QString size = Settings::store().value(QLatin1String(kViewSizeKey)).toString();
-    if (!size.isEmpty())
-        resize(GeometryText::toViewSize(size));
+    _sizeKeeper->restore(QLatin1String(kViewSizeKey));
 }
 
 void MoonView::saveFrameSize()
 {
-    // A view never on screen has only the size it was created with; what was stored stays.
-    if (_laidOut)
-        Settings::store().setValue(QLatin1String(kViewSizeKey), GeometryText::fromSize(size()));
-}
-
-void MoonView::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    _laidOut = true;
+    _sizeKeeper->store(QLatin1String(kViewSizeKey));
 }
 
 void MoonView::loadStringsFromNib()

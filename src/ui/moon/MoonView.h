@@ -9,6 +9,7 @@ class MoonImageView;
 class QLabel;
 class QPushButton;
 class QTimer;
+class ViewSizeKeeper;
 
 // The Moon view: the phase picture and name, the date shown, the phase, illumination, distance
 // and age of the Moon, and the next full and new moon, all computed on this machine. It follows
@@ -50,9 +51,6 @@ public:
     void loadStringsFromNib();
     void cleanup();
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 private:
     void buildInterface();
     QPushButton *makeButton(const QString &text, const QString &toolTip, const char *name);
@@ -74,6 +72,5 @@ private:
     QPushButton *_nextDayButton = nullptr;
     QPushButton *_nextFullMoonButton = nullptr;
     QPushButton *_nextNewMoonButton = nullptr;
-    // Whether the view has been on screen in this session; see saveFrameSize().
-    bool _laidOut = false;
+    ViewSizeKeeper *_sizeKeeper;
 };

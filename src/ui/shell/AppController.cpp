@@ -31,15 +31,13 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QLabel>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QPushButton>
-#include <QScreen>
 #include <QSettings>
 #include <QSpinBox>
 #include <QStackedWidget>
-#include <QStyle>
+#include <QTimer>
 
 #include <cmath>
 #include <limits>
@@ -92,29 +90,29 @@ void AppController::buildInterface()
     _core->setLog(_log);
 
     _window = new MainWindow;
-    _window->setWindowIcon(NamedImage::icon(QStringLiteral("Vantorel")));
-    _window->resize(1040, 720);
     connect(_window, &MainWindow::closeRequested, this, &AppController::windowShouldClose);
+    // Each view keeps its place in the stack by its number; until it is built, an empty
+    // stand-in holds the place.
+    for (int number = 0; number < kViewCount; ++number)
+        _window->content()->addWidget(new QWidget);
 
-    _content = new QStackedWidget;
-    _sunView = new GroupView(_core->sunGroup(), _log);
-    _graphView = new GroupView(_core->graphGroup(), _log);
-    _auroraView = new GroupView(_core->auroraGroup(), _log);
-    _earthView = new GroupView(_core->earthGroup(), _log);
-    _alertsView = new AlertsView(_core->alertsGroup(), _log);
-    _moonView = new MoonView;
-    for (QWidget *view : views())
-        _content->addWidget(view);
-    _window->setCentralWidget(_content);
+    connectMenus();
+    _log->awakeFromNib();
 
+    connect(_core, &AppCore::onlineStateChanged, this, &AppController::onlineStateChanged);
+}
+
+void AppController::ensureDialogs()
+{
+    if (_preferencesPanel)
+        return;
     _preferencesPanel = new PreferencesPanel(_window);
-    _aboutBoxWindow = new AboutBox(_window);
-    // One schedule sheet serves every data view.
-    _nodeScheduler = new NodeScheduler(_window);
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
-        view->setNodeSchedulerWindow(_nodeScheduler);
-    _alertsView->setNodeSchedulerWindow(_nodeScheduler);
     connectPreferencesPanel();
+    showTimeoutValue();
+
+    _aboutBoxWindow = new AboutBox(_window);
+    _aboutBoxWindow->versionNumberField()->setText(
+        QStringLiteral("Version Number %1").arg(QLatin1String(BuildInfo::version)));
     connect(_aboutBoxWindow, &AboutBox::authorHomePageRequested, this,
             &AppController::openAuthorHomePageLink);
     connect(_aboutBoxWindow, &AboutBox::mailRequested, this, &AppController::openMailtoLink);
@@ -123,115 +121,256 @@ void AppController::buildInterface()
             &AppController::openRelatedSiteOneLink);
     connect(_aboutBoxWindow, &AboutBox::relatedSiteTwoRequested, this,
             &AppController::openRelatedSiteTwoLink);
-    buildMenus();
 
+    // One schedule sheet serves every data view.
+    _nodeScheduler = new NodeScheduler(_window);
     for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
-        view->awakeFromNib();
-        connect(view, &GroupView::dataSourceLinkClicked, this,
-                &AppController::viewDataSourceLinkClicked);
-        connect(view, &GroupView::selectionChanged, this, &AppController::validateMenus);
+        if (view)
+            view->setNodeSchedulerWindow(_nodeScheduler);
     }
-    connect(_alertsView, &AlertsView::selectionChanged, this, &AppController::validateMenus);
-    _alertsView->awakeFromNib();
-    _moonView->awakeFromNib();
-    _log->awakeFromNib();
-
-    connect(_core, &AppCore::onlineStateChanged, this, &AppController::onlineStateChanged);
+    if (_alertsView)
+        _alertsView->setNodeSchedulerWindow(_nodeScheduler);
 }
 
-QList<QWidget *> AppController::views() const
+PreferencesPanel *AppController::preferencesPanel()
 {
-    return {_sunView, _graphView, _auroraView, _earthView, _alertsView, _moonView};
+    ensureDialogs();
+    return _preferencesPanel;
 }
 
-void AppController::buildMenus()
+AboutBox *AppController::aboutBox()
 {
-    QMenuBar *bar = _window->menuBar();
-    const auto add = [this](QMenu *menu, const QString &text, auto slot,
-                            const QKeySequence &shortcut = {}, int tag = -1) {
-        QAction *action = menu->addAction(text);
-        connect(action, &QAction::triggered, this, slot);
-        if (!shortcut.isEmpty())
-            action->setShortcut(shortcut);
-        if (tag >= 0)
-            action->setData(tag);
-        _menuItems.append(action);
-        return action;
+    ensureDialogs();
+    return _aboutBoxWindow;
+}
+
+NodeScheduler *AppController::nodeScheduler()
+{
+    ensureDialogs();
+    return _nodeScheduler;
+}
+
+QWidget *AppController::builtView(int viewNumber) const
+{
+    switch (viewNumber) {
+    case 0:
+        return _sunView;
+    case 1:
+        return _graphView;
+    case 2:
+        return _auroraView;
+    case 3:
+        return _earthView;
+    case 4:
+        return _alertsView;
+    case 5:
+        return _moonView;
+    default:
+        return nullptr;
+    }
+}
+
+QWidget *AppController::ensureView(int viewNumber)
+{
+    if (QWidget *built = builtView(viewNumber))
+        return built;
+    QWidget *view = nullptr;
+    switch (viewNumber) {
+    case 0:
+        view = _sunView = new GroupView(_core->sunGroup(), _log);
+        break;
+    case 1:
+        view = _graphView = new GroupView(_core->graphGroup(), _log);
+        break;
+    case 2:
+        view = _auroraView = new GroupView(_core->auroraGroup(), _log);
+        break;
+    case 3:
+        view = _earthView = new GroupView(_core->earthGroup(), _log);
+        break;
+    case 4:
+        _alertsView = new AlertsView(_core->alertsGroup(), _log);
+        _alertsView->setNodeSchedulerWindow(_nodeScheduler);
+        connect(_alertsView, &AlertsView::selectionChanged, this, &AppController::validateMenus);
+        _alertsView->awakeFromNib();
+        view = _alertsView;
+        break;
+    case 5:
+        _moonView = new MoonView;
+        _moonView->awakeFromNib();
+        view = _moonView;
+        break;
+    default:
+        return nullptr;
+    }
+    if (auto *groupView = qobject_cast<GroupView *>(view))
+        wireGroupView(groupView);
+
+    QStackedWidget *stack = _window->content();
+    QWidget *standIn = stack->widget(viewNumber);
+    stack->insertWidget(viewNumber, view);
+    stack->removeWidget(standIn);
+    delete standIn;
+
+    if (_awake)
+        loadView(viewNumber);
+    if (_launched)
+        launchView(viewNumber);
+    return view;
+}
+
+void AppController::wireGroupView(GroupView *view)
+{
+    view->setNodeSchedulerWindow(_nodeScheduler);
+    view->awakeFromNib();
+    connect(view, &GroupView::dataSourceLinkClicked, this,
+            &AppController::viewDataSourceLinkClicked);
+    connect(view, &GroupView::selectionChanged, this, &AppController::validateMenus);
+}
+
+void AppController::loadView(int viewNumber)
+{
+    const QString dataFolder = _core->dataFolderPath();
+    switch (viewNumber) {
+    case 0:
+    case 1:
+    case 2:
+    case 3: {
+        auto *view = static_cast<GroupView *>(builtView(viewNumber));
+        const GroupCatalogue::Group *group = GroupCatalogue::group(viewNumber);
+        view->setDefaultDescription(_defaultDescription);
+        view->loadDomainDataForGroup(group->name, group->number, group->definitionFile, dataFolder);
+        break;
+    }
+    case 4:
+        _alertsView->loadDictionaryData(
+            GroupCatalogue::group(GroupCatalogue::Alerts)->definitionFile, dataFolder);
+        break;
+    case 5:
+        _moonView->setHemisphere(Preferences::shared().southernHemisphere());
+        break;
+    default:
+        break;
+    }
+}
+
+void AppController::launchView(int viewNumber)
+{
+    if (auto *view = qobject_cast<GroupView *>(builtView(viewNumber)))
+        view->applicationDidFinishLaunching();
+}
+
+GroupView *AppController::sunView()
+{
+    return static_cast<GroupView *>(ensureView(0));
+}
+
+GroupView *AppController::graphView()
+{
+    return static_cast<GroupView *>(ensureView(1));
+}
+
+GroupView *AppController::auroraView()
+{
+    return static_cast<GroupView *>(ensureView(2));
+}
+
+GroupView *AppController::earthView()
+{
+    return static_cast<GroupView *>(ensureView(3));
+}
+
+AlertsView *AppController::alertsView()
+{
+    return static_cast<AlertsView *>(ensureView(4));
+}
+
+MoonView *AppController::moonView()
+{
+    return static_cast<MoonView *>(ensureView(5));
+}
+
+QList<QWidget *> AppController::views()
+{
+    QList<QWidget *> all;
+    for (int number = 0; number < kViewCount; ++number)
+        all.append(ensureView(number));
+    return all;
+}
+
+AppCore *AppController::core()
+{
+    finishLaunching();
+    return _core;
+}
+
+void AppController::connectMenus()
+{
+    using Command = MainWindow::Command;
+    const struct {
+        Command command;
+        void (AppController::*action)();
+    } commands[] = {
+        {Command::Preferences, &AppController::openPreferencesPanel},
+        {Command::CustomizeToolbar, &AppController::runToolbarConfig},
+        {Command::UpdateAll, &AppController::updateAllNodes},
+        {Command::CancelAllDownloads, &AppController::cancelAllDownloads},
+        {Command::GoOnline, &AppController::goOnline},
+        {Command::GoOffline, &AppController::goOffline},
+        {Command::EmptyCache, &AppController::emptyCache},
+        {Command::Reload, &AppController::refreshSelectedNodeData},
+        {Command::CancelDownload, &AppController::cancelSelectedNodeDownload},
+        {Command::Reveal, &AppController::revealSelectedNodeData},
+        {Command::Schedule, &AppController::openScheduleWindowForSelectedNode},
+        {Command::About, &AppController::openAboutBox},
     };
-
-    QMenu *file = bar->addMenu(tr("&File"));
-    add(file, tr("&Save a Copy…"), &AppController::saveSelectedNodeData, QKeySequence::SaveAs, 767);
-    file->addSeparator();
-    QAction *quit = add(
-        file, tr("&Quit"), [] { QCoreApplication::quit(); }, QKeySequence::Quit);
-    quit->setMenuRole(QAction::QuitRole);
-
-    QMenu *edit = bar->addMenu(tr("&Edit"));
-    QAction *prefs = add(edit, tr("&Preferences…"), &AppController::openPreferencesPanel,
-                         QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    prefs->setMenuRole(QAction::PreferencesRole);
-
-    QMenu *view = bar->addMenu(tr("&View"));
-    const QStringList names = ToolbarItems::selectableItemIdentifiers();
-    for (int i = 0; i < names.size(); ++i) {
-        QAction *item = view->addAction(ToolbarItems::item(names[i])->label);
-        item->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + i)));
-        item->setData(i);
+    for (const auto &entry : commands)
+        connect(_window->item(entry.command), &QAction::triggered, this, entry.action);
+    connect(_window->item(Command::Quit), &QAction::triggered, this,
+            [] { QCoreApplication::quit(); });
+    connect(_window->item(Command::ActivityLog), &QAction::triggered, this,
+            [this] { _log->openLogWindow(); });
+    connect(_window->item(Command::ClearLog), &QAction::triggered, this,
+            [this] { _log->clearLog(); });
+    connect(menuItem(MainWindow::kSaveCopyTag), &QAction::triggered, this,
+            &AppController::saveSelectedNodeData);
+    connect(menuItem(MainWindow::kZoomImageTag), &QAction::triggered, this,
+            &AppController::zoomSelectedNodeData);
+    for (QAction *item : _window->viewItems())
         connect(item, &QAction::triggered, this, [this, item] { setGroupViewFromMenu(item); });
-        _menuItems.append(item);
-    }
-    view->addSeparator();
-    add(view, tr("Customize &Toolbar…"), &AppController::runToolbarConfig);
-
-    QMenu *data = bar->addMenu(tr("&Data"));
-    _updateAllItem = add(data, tr("&Update All"), &AppController::updateAllNodes,
-                         QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
-    add(data, tr("&Cancel All Downloads"), &AppController::cancelAllDownloads,
-        QKeySequence(Qt::CTRL | Qt::Key_Period));
-    data->addSeparator();
-    _goOnlineItem = add(data, tr("Go &Online"), &AppController::goOnline);
-    _goOfflineItem = add(data, tr("Go O&ffline"), &AppController::goOffline);
-    data->addSeparator();
-    add(data, tr("&Empty Cache…"), &AppController::emptyCache);
-
-    QMenu *node = bar->addMenu(tr("&Node"));
-    _reloadItem =
-        add(node, tr("&Reload"), &AppController::refreshSelectedNodeData, QKeySequence::Refresh);
-    _cancelDownloadItem =
-        add(node, tr("&Cancel Download"), &AppController::cancelSelectedNodeDownload);
-    add(node, tr("&Zoom Image"), &AppController::zoomSelectedNodeData,
-        QKeySequence(Qt::CTRL | Qt::Key_I), 766);
-    _revealItem = add(node, tr("Reveal in &File Manager"), &AppController::revealSelectedNodeData);
-    _scheduleItem = add(node, tr("&Schedule…"), &AppController::openScheduleWindowForSelectedNode);
-
-    QMenu *window = bar->addMenu(tr("&Window"));
-    add(
-        window, tr("Activity &Log"), [this] { _log->openLogWindow(); },
-        QKeySequence(Qt::CTRL | Qt::Key_L));
-    add(window, tr("&Clear Log"), [this] { _log->clearLog(); });
-
-    QMenu *help = bar->addMenu(tr("&Help"));
-    QAction *about = add(help, tr("&About Vantorel"), &AppController::openAboutBox);
-    about->setMenuRole(QAction::AboutRole);
-
-    for (QMenu *menu : {file, edit, view, data, node, window, help})
-        connect(menu, &QMenu::aboutToShow, this, &AppController::validateMenus);
+    connect(_window, &MainWindow::menuAboutToShow, this, &AppController::validateMenus);
 }
 
 QAction *AppController::menuItem(int tag) const
 {
-    for (QAction *item : _menuItems) {
-        if (item->data().isValid() && item->data().toInt() == tag)
-            return item;
-    }
-    return nullptr;
+    return _window->menuItem(tag);
+}
+
+QAction *AppController::reloadItem() const
+{
+    return _window->item(MainWindow::Command::Reload);
+}
+
+QAction *AppController::cancelDownloadItem() const
+{
+    return _window->item(MainWindow::Command::CancelDownload);
+}
+
+QAction *AppController::revealItem() const
+{
+    return _window->item(MainWindow::Command::Reveal);
+}
+
+QAction *AppController::scheduleItem() const
+{
+    return _window->item(MainWindow::Command::Schedule);
 }
 
 Node *AppController::shownSelectedNode() const
 {
     if (_selectedGroupView)
         return _selectedGroupView->selectedNode();
-    if (_content->currentWidget() == _alertsView)
+    if (_alertsView && _window->content()->currentWidget() == _alertsView)
         return _alertsView->selectedNode();
     return nullptr;
 }
@@ -240,43 +379,46 @@ NodeGroup *AppController::shownGroup() const
 {
     if (_selectedGroupView)
         return _selectedGroupView->group();
-    if (_content->currentWidget() == _alertsView)
+    if (_alertsView && _window->content()->currentWidget() == _alertsView)
         return _alertsView->group();
     return nullptr;
 }
 
 bool AppController::validateMenuItem(QAction *item) const
 {
+    using Command = MainWindow::Command;
+    // The online commands follow the same rule as their toolbar items.
+    if (item == _window->item(Command::GoOnline))
+        return validateToolbarItem(QStringLiteral("Online"));
+    if (item == _window->item(Command::GoOffline))
+        return validateToolbarItem(QStringLiteral("Offline"));
+    if (item == _window->item(Command::UpdateAll))
+        return validateToolbarItem(QStringLiteral("Update"));
     // The node commands act on the selection of the view shown; one that could not act is not
     // offered (and its shortcut does nothing).
     const Node *node = shownSelectedNode();
     const int tag = item->data().isValid() ? item->data().toInt() : -1;
-    if (tag == 766 || tag == 767)
+    if (tag == MainWindow::kZoomImageTag || tag == MainWindow::kSaveCopyTag)
         return _selectedGroupView && node && node->fileDownloaded();
-    if (item == _revealItem)
+    if (item == revealItem())
         return node && node->fileDownloaded();
-    if (item == _reloadItem || item == _scheduleItem)
+    if (item == reloadItem() || item == scheduleItem())
         return node != nullptr;
-    if (item == _cancelDownloadItem)
+    if (item == cancelDownloadItem())
         return node && shownGroup()->nodeIsInDownloadQueue(node);
     return true;
 }
 
 void AppController::validateMenus()
 {
-    for (QAction *item : std::as_const(_menuItems))
-        item->setEnabled(validateMenuItem(item));
-    // The online commands follow the same rule as their toolbar items.
-    _goOnlineItem->setEnabled(validateToolbarItem(QStringLiteral("Online")));
-    _goOfflineItem->setEnabled(validateToolbarItem(QStringLiteral("Offline")));
-    _updateAllItem->setEnabled(validateToolbarItem(QStringLiteral("Update")));
+    _window->validateMenus([this](QAction *item) { return validateMenuItem(item); });
 }
 
 void AppController::refreshSelectedNodeData()
 {
     if (_selectedGroupView)
         _selectedGroupView->refreshSelectedNodeData();
-    else if (_content->currentWidget() == _alertsView)
+    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
         _alertsView->refreshSelectedNodeData();
 }
 
@@ -284,7 +426,7 @@ void AppController::cancelSelectedNodeDownload()
 {
     if (_selectedGroupView)
         _selectedGroupView->cancelSelectedNodeDownload();
-    else if (_content->currentWidget() == _alertsView)
+    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
         _alertsView->cancelSelectedNodeDownload();
 }
 
@@ -292,15 +434,16 @@ void AppController::revealSelectedNodeData()
 {
     if (_selectedGroupView)
         _selectedGroupView->revealSelectedNodeData();
-    else if (_content->currentWidget() == _alertsView)
+    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
         _alertsView->revealSelectedNodeData();
 }
 
 void AppController::openScheduleWindowForSelectedNode()
 {
+    ensureDialogs();
     if (_selectedGroupView)
         _selectedGroupView->openScheduleWindowForNode();
-    else if (_content->currentWidget() == _alertsView)
+    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
         _alertsView->openScheduleWindowForNode();
 }
 
@@ -342,8 +485,6 @@ QString AppController::dataFolderPath() const
 void AppController::awakeFromNib()
 {
     _window->setWindowTitle(windowTitle());
-    _aboutBoxWindow->versionNumberField()->setText(
-        QStringLiteral("Version Number %1").arg(QLatin1String(BuildInfo::version)));
 
     QFile description(ResourceLocator::resourcePath(QStringLiteral("DefaultDescription.txt")));
     if (description.open(QIODevice::ReadOnly)) {
@@ -353,45 +494,108 @@ void AppController::awakeFromNib()
         _defaultDescription = tr("<p>Select an item from the list to see it here.</p>");
     }
 
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
-        view->setDefaultDescription(_defaultDescription);
-
-    const QString dataFolder = _core->prepareDataFolder();
-
+    _core->prepareDataFolder();
     loadPreferences();
+    // The picture that the view shown first shows before anything is selected is drawn on
+    // another processor while this thread builds the window.
+    if (const int first = _lastView >= 0 && _lastView < kViewCount ? _lastView : 0; first < 4)
+        NamedImage::prepare({DomainGroup::placeholdersForGroup(first).splash},
+                            _window->devicePixelRatioF());
     initToolbar();
+    _awake = true;
 
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
-        const GroupCatalogue::Group *group = GroupCatalogue::group(view->groupNumber());
-        view->loadDomainDataForGroup(group->name, group->number, group->definitionFile, dataFolder);
+    // The groups are read by their views. The view to be shown first is built and loaded now;
+    // so is the Alerts view, whose width depends on its reports' titles (its menu fits the
+    // longest), so that the window is laid out for it from the start. The others follow once
+    // the window is on screen (continueLaunching()), or when needed.
+    for (int number = 0; number < kViewCount; ++number) {
+        if (builtView(number))
+            loadView(number);
     }
-    _alertsView->loadDictionaryData(GroupCatalogue::group(GroupCatalogue::Alerts)->definitionFile,
-                                    dataFolder);
-    _core->removeStaleTemporaryFiles();
-
-    _moonView->setHemisphere(Preferences::shared().southernHemisphere());
+    viewForNumber(_lastView);
+    ensureView(kAlertsViewNumber);
 }
 
 void AppController::applicationDidFinishLaunching()
 {
     setGroupView(_lastView);
-    runStartupDownloads();
-    startScheduler();
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
-        view->applicationDidFinishLaunching();
+    _launched = true;
+    for (int number = 0; number < kViewCount; ++number)
+        launchView(number);
     _window->show();
     _window->raise();
     _window->activateWindow();
 
-    // The placeholder pictures of every image view, rendered once the window is up, so that the
-    // first switch to a view or the first missing item does not stop to draw them.
-    QStringList placeholders;
-    for (const GroupCatalogue::Group &group : GroupCatalogue::groups()) {
-        if (group.layout == GroupCatalogue::Layout::Domains)
-            placeholders << group.placeholders.splash << group.placeholders.downloading
-                         << group.placeholders.noData;
+    // The rest waits until the first frame is on screen, one step per turn of the event loop.
+    // A window that is never drawn (minimised, or on a display that does not draw) must not hold
+    // back the start-up downloads: after half a second the steps start anyway.
+    connect(_window, &MainWindow::firstFrameDrawn, this, &AppController::continueLaunching,
+            Qt::SingleShotConnection);
+    QTimer::singleShot(500, this, [this] {
+        if (_launchStep == 0)
+            continueLaunching();
+    });
+}
+
+void AppController::continueLaunching()
+{
+    if (_launchFinished || !_launched || _terminated)
+        return;
+    switch (_launchStep++) {
+    case 0:
+        showOwnIcons();
+        break;
+    case 1:
+        ensureDialogs();
+        break;
+    default:
+        for (int number = 0; number < kViewCount; ++number) {
+            if (!builtView(number)) {
+                ensureView(number);
+                QTimer::singleShot(0, this, &AppController::continueLaunching);
+                return;
+            }
+        }
+        finishLaunching();
+        return;
     }
-    NamedImage::renderInIdleTime(placeholders, _window->devicePixelRatioF(), 1000);
+    QTimer::singleShot(0, this, &AppController::continueLaunching);
+}
+
+void AppController::showOwnIcons()
+{
+    // The window system asks for the application's picture at several sizes, and the icon
+    // theme's index is read at its first use: both cost more than a frame, and neither is part of
+    // what the window draws, so they wait until it has drawn its first frame.
+    if (!_window->testAttribute(Qt::WA_SetWindowIcon))
+        _window->setWindowIcon(NamedImage::icon(QStringLiteral("Vantorel")));
+    _toolbar->loadThemeIcons();
+}
+
+void AppController::finishLaunching()
+{
+    if (!_awake || _launchFinished || _terminated)
+        return;
+    showOwnIcons();
+    ensureDialogs();
+    for (int number = 0; number < kViewCount; ++number)
+        ensureView(number);
+    if (!_launched)
+        return;
+    _launchFinished = true;
+    // Every group is read: what a killed write left behind can be told from the nodes' files.
+    _core->removeStaleTemporaryFiles();
+    runStartupDownloads();
+    startScheduler();
+
+    // The placeholder pictures of every image view, rendered in the background, so that the first
+    // switch to a view or the first missing item does not stop to draw them.
+    QStringList placeholders;
+    for (int group = 0; group < 4; ++group) {
+        const DomainGroup::Placeholders names = DomainGroup::placeholdersForGroup(group);
+        placeholders << names.splash << names.downloading << names.noData;
+    }
+    NamedImage::renderInBackground(placeholders, _window->devicePixelRatioF(), 1000);
 }
 
 void AppController::windowShouldClose()
@@ -406,13 +610,24 @@ void AppController::applicationWillTerminate()
         return;
     _terminated = true;
 
+    // A quit before start-up has built every view: the rest are built (and their groups read)
+    // now, so that every node stores its state as in any other shutdown. Nothing more starts.
+    if (_awake) {
+        for (int number = 0; number < kViewCount; ++number)
+            ensureView(number);
+    }
+
     // No responses are cached; dropping the connections is what is left to empty.
     NetworkAccess::manager()->clearAccessCache();
 
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView})
-        view->cleanup();
-    _alertsView->cleanup();
-    _moonView->cleanup();
+    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
+        if (view)
+            view->cleanup();
+    }
+    if (_alertsView)
+        _alertsView->cleanup();
+    if (_moonView)
+        _moonView->cleanup();
 
     stopScheduler();
     _log->saveWindowFrame();
@@ -454,20 +669,15 @@ void AppController::loadPreferences()
     Preferences &prefs = Preferences::shared();
     prefs.loadPreferences(settings);
     _lastView = prefs.lastView();
+    _window->restoreFrame();
 
-    const QByteArray frame = settings.value(QLatin1String(MainWindow::kFrameKey)).toByteArray();
-    if (frame.isEmpty() || !_window->restoreGeometry(frame)) {
-        // First run (or a frame that cannot be used): the default size, made smaller on a small
-        // screen, centred.
-        if (const QScreen *screen = QGuiApplication::primaryScreen()) {
-            const QRect available = screen->availableGeometry();
-            const QSize size = _window->size().boundedTo(available.size() * 0.9);
-            _window->setGeometry(
-                QStyle::alignedRect(Qt::LeftToRight, Qt::AlignCenter, size, available));
-        }
-    }
+    if (_preferencesPanel)
+        showTimeoutValue();
+}
 
-    const double timeout = std::trunc(double(prefs.timeoutSeconds()));
+void AppController::showTimeoutValue()
+{
+    const double timeout = std::trunc(double(Preferences::shared().timeoutSeconds()));
     const QSignalBlocker quiet(_preferencesPanel->timeoutValueField());
     _preferencesPanel->timeoutValueField()->setValue(int(std::clamp<double>(
         timeout, std::numeric_limits<int>::min(), std::numeric_limits<int>::max())));
@@ -479,12 +689,13 @@ void AppController::savePreferences()
     Preferences &prefs = Preferences::shared();
     prefs.setLastView(_lastView);
     prefs.savePreferences(settings);
-    settings.setValue(QLatin1String(MainWindow::kFrameKey), _window->saveGeometry());
+    _window->saveFrame();
     settings.sync();
 }
 
 void AppController::openPreferencesPanel()
 {
+    ensureDialogs();
     const Preferences &prefs = Preferences::shared();
     const struct {
         QCheckBox *box;
@@ -525,11 +736,14 @@ void AppController::setDownloadMissingData(bool on)
 void AppController::setSouthernHemisphere(bool on)
 {
     Preferences::shared().setSouthernHemisphere(on);
-    _moonView->setHemisphere(on);
+    // A Moon view not built yet reads the preference when it is.
+    if (_moonView)
+        _moonView->setHemisphere(on);
 }
 
 void AppController::setTimeoutValue(int seconds)
 {
+    ensureDialogs();
     QSpinBox *field = _preferencesPanel->timeoutValueField();
     if (field->value() != seconds) {
         const QSignalBlocker quiet(field);
@@ -582,22 +796,9 @@ void AppController::onlineStateChanged()
     validateMenus();
 }
 
-QWidget *AppController::viewForNumber(int viewNumber) const
+QWidget *AppController::viewForNumber(int viewNumber)
 {
-    switch (viewNumber) {
-    case 1:
-        return _graphView;
-    case 2:
-        return _auroraView;
-    case 3:
-        return _earthView;
-    case 4:
-        return _alertsView;
-    case 5:
-        return _moonView;
-    default:
-        return _sunView;
-    }
+    return ensureView(viewNumber >= 0 && viewNumber < kViewCount ? viewNumber : 0);
 }
 
 void AppController::setGroupView(int viewNumber)
@@ -621,12 +822,14 @@ void AppController::attachView(QWidget *view, bool display, bool animate)
     Q_UNUSED(animate);
     // The stack keeps every view alive; only the one shown takes the window's content area, and
     // the window keeps its frame.
-    _content->setCurrentWidget(view);
+    _window->content()->setCurrentWidget(view);
     if (display)
         view->update();
 }
 
 // --- Global commands --------------------------------------------------------------------------
+// Each command over every group first finishes what start-up left for after the first frame, so
+// that it finds every group read and acts after the start-up steps, as it would have anyway.
 
 void AppController::runStartupDownloads()
 {
@@ -635,26 +838,31 @@ void AppController::runStartupDownloads()
 
 void AppController::updateAllNodes()
 {
+    finishLaunching();
     _core->updateAllNodes();
 }
 
 void AppController::cancelAllDownloads()
 {
+    finishLaunching();
     _core->cancelAllDownloads();
 }
 
 void AppController::startScheduler()
 {
+    finishLaunching();
     _core->startScheduler();
 }
 
 void AppController::stopScheduler()
 {
+    finishLaunching();
     _core->stopScheduler();
 }
 
 void AppController::runAllScheduledUpdates()
 {
+    finishLaunching();
     _core->runAllScheduledUpdates();
 }
 
@@ -680,6 +888,7 @@ void AppController::emptyCache()
     alert->exec();
     if (alert->clickedButton() != alert->defaultButton())
         return;
+    finishLaunching();
     _core->emptyGroupCaches();
 }
 
@@ -705,7 +914,8 @@ void AppController::viewDataSourceLinkClicked(const QString &address)
 void AppController::openAboutLink(const QUrl &address)
 {
     QDesktopServices::openUrl(address);
-    _aboutBoxWindow->close();
+    if (_aboutBoxWindow)
+        _aboutBoxWindow->close();
 }
 
 void AppController::openAuthorHomePageLink()
@@ -735,21 +945,25 @@ void AppController::openRelatedSiteTwoLink()
 
 void AppController::goOnline()
 {
+    finishLaunching();
     _core->goOnline();
 }
 
 void AppController::goOffline()
 {
+    finishLaunching();
     _core->goOffline();
 }
 
 void AppController::toggleOnlineStatus()
 {
+    finishLaunching();
     _core->toggleOnlineStatus();
 }
 
 void AppController::openAboutBox()
 {
+    ensureDialogs();
     _aboutBoxWindow->adjustSize();
     if (_window->isVisible())
         _aboutBoxWindow->move(_window->geometry().center() - _aboutBoxWindow->rect().center());

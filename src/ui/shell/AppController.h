@@ -21,12 +21,16 @@ class PreferencesPanel;
 class QAction;
 class QMessageBox;
 class QUrl;
-class QStackedWidget;
 class QWidget;
 
 // The application's single controller: it builds the main window with its six views, the
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
 // sequences; and answers the global settings that every view and node reads.
+//
+// Start-up shows the window as soon as the view to be shown exists: the other views are built,
+// and their groups loaded, one per turn of the event loop once the first frame is on screen,
+// followed by the start-up downloads and the update timer. Whoever needs a view or the groups
+// sooner (a menu command, a caller of core()) gets them built at once.
 class AppController : public QObject {
     Q_OBJECT
 
@@ -42,6 +46,9 @@ public:
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
     void windowShouldClose();
+    // Does at once whatever start-up has left for after the first frame.
+    void finishLaunching();
+    bool launchFinished() const { return _launchFinished; }
 
     // Options of the command line, applied before start-up.
     void setDataFolderOverride(const QString &path);
@@ -104,38 +111,47 @@ public:
     QString windowTitle() const;
     QString dataFolderPath() const;
 
-    AppCore *core() const { return _core; }
+    // The core, with every group loaded (start-up is finished first if it has not yet).
+    AppCore *core();
     MainWindow *window() const { return _window; }
-    GroupView *sunView() const { return _sunView; }
-    GroupView *graphView() const { return _graphView; }
-    GroupView *auroraView() const { return _auroraView; }
-    GroupView *earthView() const { return _earthView; }
-    AlertsView *alertsView() const { return _alertsView; }
-    MoonView *moonView() const { return _moonView; }
+    // The views, built (and loaded, once start-up has reached that far) if they are not yet.
+    GroupView *sunView();
+    GroupView *graphView();
+    GroupView *auroraView();
+    GroupView *earthView();
+    AlertsView *alertsView();
+    MoonView *moonView();
+    QList<QWidget *> views();
     ActivityLog *log() const { return _log; }
-    PreferencesPanel *preferencesPanel() const { return _preferencesPanel; }
-    AboutBox *aboutBox() const { return _aboutBoxWindow; }
-    NodeScheduler *nodeScheduler() const { return _nodeScheduler; }
+    // The dialogs, built after the first frame or when first needed.
+    PreferencesPanel *preferencesPanel();
+    AboutBox *aboutBox();
+    NodeScheduler *nodeScheduler();
     MainToolbar *mainToolbar() const { return _toolbar; }
     // Menu items by their tag (766 zoom, 767 save a copy, 0 to 5 the views).
     QAction *menuItem(int tag) const;
     // The Node menu's items without a tag.
-    QAction *reloadItem() const { return _reloadItem; }
-    QAction *cancelDownloadItem() const { return _cancelDownloadItem; }
-    QAction *revealItem() const { return _revealItem; }
-    QAction *scheduleItem() const { return _scheduleItem; }
+    QAction *reloadItem() const;
+    QAction *cancelDownloadItem() const;
+    QAction *revealItem() const;
+    QAction *scheduleItem() const;
     // Enables a menu item when it can act on the view shown: reload and schedule need a selected
     // node, cancel a queued one; reveal needs its data file, and 766 and 767 need it in an image
-    // view.
+    // view. Going online, going offline and updating all follow their toolbar items.
     bool validateMenuItem(QAction *item) const;
     void validateMenus();
-    QList<QWidget *> views() const;
 
 private:
+    static constexpr int kViewCount = 6;
+    static constexpr int kAlertsViewNumber = 4;
+
     explicit AppController(QObject *parent);
     void buildInterface();
-    void buildMenus();
+    void connectMenus();
+    void ensureDialogs();
     void connectPreferencesPanel();
+    // Shows the time-out preference in the panel's field, whole seconds.
+    void showTimeoutValue();
     void onlineStateChanged();
     void revealSelectedNodeData();
     void openScheduleWindowForSelectedNode();
@@ -144,21 +160,25 @@ private:
     // The node selected in the data view shown, and that view's group; none on the Moon view.
     Node *shownSelectedNode() const;
     NodeGroup *shownGroup() const;
-    QWidget *viewForNumber(int viewNumber) const;
+    // The view for a view number (any unknown number is the Sun's), built if it is not yet.
+    QWidget *viewForNumber(int viewNumber);
+    // The view with that number (0 to 5) if it has been built, else none.
+    QWidget *builtView(int viewNumber) const;
+    QWidget *ensureView(int viewNumber);
+    void wireGroupView(GroupView *view);
+    // The start-up steps of one view: its group read (after awakeFromNib), its empty selection
+    // set up (after launching).
+    void loadView(int viewNumber);
+    void launchView(int viewNumber);
+    // One step of what start-up leaves for after the first frame; it schedules the next.
+    void continueLaunching();
+    // The window's own picture and the icon theme's pictures in the toolbar.
+    void showOwnIcons();
     void openAboutLink(const QUrl &address);
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;
-    QStackedWidget *_content = nullptr;
     MainToolbar *_toolbar = nullptr;
-    QList<QAction *> _menuItems;
-    QAction *_goOnlineItem = nullptr;
-    QAction *_goOfflineItem = nullptr;
-    QAction *_updateAllItem = nullptr;
-    QAction *_reloadItem = nullptr;
-    QAction *_cancelDownloadItem = nullptr;
-    QAction *_revealItem = nullptr;
-    QAction *_scheduleItem = nullptr;
 
     GroupView *_sunView = nullptr;
     GroupView *_graphView = nullptr;
@@ -173,5 +193,12 @@ private:
     NodeScheduler *_nodeScheduler = nullptr;
     int _lastView = -1;
     ActivityLog *_log = nullptr;
+    // How far start-up has come: the data folder and the preferences are there (awake), the
+    // window has been shown (launched), and what was left for after the first frame is done.
+    bool _awake = false;
+    bool _launched = false;
+    bool _launchFinished = false;
+    // The next step of continueLaunching().
+    int _launchStep = 0;
     bool _terminated = false;
 };

@@ -32,8 +32,7 @@ QAction *MainToolbar::itemForItemIdentifier(const QString &identifier, QObject *
     action->setData(identifier);
     if (identifier == QLatin1String(ToolbarItems::kCustomize)) {
         action->setText(tr("Customize"));
-        action->setIcon(QIcon::fromTheme(QStringLiteral("configure-toolbars"),
-                                         NamedImage::icon(QStringLiteral("ToolbarCustomize"))));
+        action->setIcon(customizeIcon());
     } else if (const auto entry = ToolbarItems::item(identifier)) {
         action->setText(entry->label);
         action->setIconText(entry->label);
@@ -47,6 +46,21 @@ QAction *MainToolbar::itemForItemIdentifier(const QString &identifier, QObject *
             emit itemSelected(identifier);
     });
     return action;
+}
+
+QIcon MainToolbar::customizeIcon() const
+{
+    const QIcon own = NamedImage::icon(QStringLiteral("ToolbarCustomize"));
+    return _themeIcons ? QIcon::fromTheme(QStringLiteral("configure-toolbars"), own) : own;
+}
+
+void MainToolbar::loadThemeIcons()
+{
+    if (_themeIcons)
+        return;
+    _themeIcons = true;
+    if (QAction *customize = item(QLatin1String(ToolbarItems::kCustomize)))
+        customize->setIcon(customizeIcon());
 }
 
 QWidget *MainToolbar::spacer(bool flexible) const

@@ -36,16 +36,22 @@ public:
 
     // Opens the customisation dialog.
     void runToolbarConfig();
+    // Lets the items use the desktop's icon theme where it has a picture for them. The first
+    // look-up in a theme reads its whole index, which takes longer than a frame: the window shows
+    // the application's own pictures first, and this is called once it is on screen.
+    void loadThemeIcons();
 
 signals:
     void itemSelected(const QString &identifier);
 
 private:
     QWidget *spacer(bool flexible) const;
+    QIcon customizeIcon() const;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
     QToolBar *_toolbar;
     QStringList _identifiers;
     QString _selected;
     bool _online = true;
+    bool _themeIcons = false;
 };

@@ -7,36 +7,31 @@
 #include "core/sources/Node.h"
 #include "core/sources/OutlineSelectionModel.h"
 #include "core/util/DescriptionText.h"
-#include "core/util/GeometryText.h"
-#include "core/util/SplitLayout.h"
-#include "ui/common/ClickableTextBlue.h"
-#include "ui/common/FailureLine.h"
 #include "ui/common/FileManager.h"
 #include "ui/common/NamedImage.h"
+#include "ui/common/ViewSizeKeeper.h"
 #include "ui/log/ActivityLog.h"
-#include "ui/sources/ImageController.h"
 #include "ui/sources/ImagePane.h"
+#include "ui/sources/ImageWindowRegistry.h"
 #include "ui/sources/NodeScheduler.h"
 #include "ui/sources/ScaledImage.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
-#include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QSplitter>
-#include <QTextBrowser>
 #include <QThreadPool>
 #include <QTreeView>
 #include <QVBoxLayout>
 
 GroupView::GroupView(DomainGroup *group, ActivityLog *log, QWidget *parent)
-    : QWidget(parent), _group(group), _model(new GroupOutlineModel(group, this)), _log(log)
+    : QWidget(parent), _group(group), _model(new GroupOutlineModel(group, this)), _log(log),
+      _imageWindows(std::make_unique<ImageWindowRegistry>(this))
 {
     buildInterface();
     connectGroup();
@@ -72,76 +67,18 @@ void GroupView::buildInterface()
     outlineLayout->addWidget(_domainsList, 1);
     outlineLayout->addWidget(_refreshDomainButton);
 
-    _nodeTitleField = new QLabel;
-    QFont titleFont = _nodeTitleField->font();
-    titleFont.setBold(true);
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.25);
-    _nodeTitleField->setFont(titleFont);
-    _nodeTitleField->setWordWrap(true);
-    auto *link = new ClickableTextBlue;
-    link->setToolTip(tr("Open the provider's page in your browser"));
-    connect(link, &ClickableText::clicked, this,
-            [this, link] { emit dataSourceLinkClicked(link->text()); });
-    _dataSourceField = link;
-    // One line, with the failure line (if any) in the room beside it.
-    _lastUpdatedField = new QLabel;
-    _lastUpdatedField->setForegroundRole(QPalette::PlaceholderText);
-    _failureField = new FailureLine;
-    auto *updates = new QHBoxLayout;
-    updates->addWidget(_lastUpdatedField);
-    updates->addWidget(_failureField, 1);
-
-    _imageView = new ImagePane;
-
-    _nodeDescriptionTextField = new QTextBrowser;
-    _nodeDescriptionTextField->setOpenExternalLinks(true);
-    _nodeDescriptionTextField->setOpenLinks(true);
-
-    _nodeDescriptionTextField->setMinimumHeight(60);
-    auto *detailSplit = new QSplitter(Qt::Vertical);
-    detailSplit->addWidget(_imageView);
-    detailSplit->addWidget(_nodeDescriptionTextField);
-    detailSplit->setStretchFactor(0, 4);
-    detailSplit->setStretchFactor(1, 1);
-    detailSplit->setSizes({480, 140});
-    detailSplit->setChildrenCollapsible(false);
-
-    _refreshImageButton = new QPushButton(tr("Reload"));
-    _refreshImageButton->setToolTip(tr("Download this item again"));
-    _cancelDownloadButton = new QPushButton(tr("Cancel"));
-    _cancelDownloadButton->setToolTip(tr("Stop downloading this item"));
-    _scheduleNodeButton = new QPushButton(tr("Schedule…"));
-    _scheduleNodeButton->setToolTip(tr("When this item is downloaded by itself"));
-    _zoomImageButton = new QPushButton(tr("Zoom"));
-    _zoomImageButton->setToolTip(tr("Open the image in a window of its own"));
-    _revealImageButton = new QPushButton(tr("Show File"));
-    _revealImageButton->setToolTip(tr("Show the downloaded file in the file manager"));
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(_refreshImageButton);
-    buttons->addWidget(_cancelDownloadButton);
-    buttons->addWidget(_scheduleNodeButton);
-    buttons->addStretch(1);
-    buttons->addWidget(_zoomImageButton);
-    buttons->addWidget(_revealImageButton);
-
-    auto *detailPane = new QWidget;
-    auto *detailLayout = new QVBoxLayout(detailPane);
-    detailLayout->setContentsMargins(0, 0, 0, 0);
-    detailLayout->addWidget(_nodeTitleField);
-    detailLayout->addWidget(_dataSourceField);
-    detailLayout->addLayout(updates);
-    detailLayout->addWidget(detailSplit, 1);
-    detailLayout->addLayout(buttons);
+    _detailPane = new NodeDetailPane;
 
     _splitView = new QSplitter(Qt::Horizontal);
     _splitView->addWidget(outlinePane);
-    _splitView->addWidget(detailPane);
+    _splitView->addWidget(_detailPane);
     // Only the detail pane can be collapsed: the outline is how everything else is reached.
     _splitView->setCollapsible(0, false);
     _splitView->setCollapsible(1, true);
     _splitView->setStretchFactor(0, 0);
     _splitView->setStretchFactor(1, 1);
     _splitView->setSizes({260, 640});
+    _sizeKeeper = new ViewSizeKeeper(this, _splitView);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(_splitView);
@@ -151,15 +88,17 @@ void GroupView::buildInterface()
     connect(_domainsList->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &GroupView::outlineSelectionDidChange);
 
-    connect(_refreshImageButton, &QPushButton::clicked, this, &GroupView::refreshSelectedNodeData);
+    connect(_detailPane, &NodeDetailPane::dataSourceLinkClicked, this,
+            &GroupView::dataSourceLinkClicked);
+    connect(refreshImageButton(), &QPushButton::clicked, this, &GroupView::refreshSelectedNodeData);
     connect(_refreshDomainButton, &QPushButton::clicked, this,
             &GroupView::refreshSelectedDomainNodes);
-    connect(_cancelDownloadButton, &QPushButton::clicked, this,
+    connect(cancelDownloadButton(), &QPushButton::clicked, this,
             &GroupView::cancelSelectedNodeDownload);
-    connect(_scheduleNodeButton, &QPushButton::clicked, this,
+    connect(scheduleNodeButton(), &QPushButton::clicked, this,
             &GroupView::openScheduleWindowForNode);
-    connect(_zoomImageButton, &QPushButton::clicked, this, &GroupView::zoomSelectedNodeData);
-    connect(_revealImageButton, &QPushButton::clicked, this, &GroupView::revealSelectedNodeData);
+    connect(zoomImageButton(), &QPushButton::clicked, this, &GroupView::zoomSelectedNodeData);
+    connect(revealImageButton(), &QPushButton::clicked, this, &GroupView::revealSelectedNodeData);
 }
 
 void GroupView::connectGroup()
@@ -243,7 +182,7 @@ QPixmap GroupView::downloadingImage() const
 
 QPixmap GroupView::shownImage() const
 {
-    return _imageView->pixmap();
+    return imageView()->pixmap();
 }
 
 void GroupView::restoreExpansion()
@@ -283,46 +222,12 @@ void GroupView::applicationDidFinishLaunching()
 
 void GroupView::loadFrameSize()
 {
-    QSettings &settings = Settings::store();
-    const QString size = settings.value(viewSizeKey()).toString();
-    if (!size.isEmpty())
-        resize(GeometryText::toViewSize(size));
-
-    if (!_splitView)
-        return;
-    const QStringList stored = settings.value(splitViewRectsKey()).toStringList();
-    if (stored.isEmpty())
-        return;
-    QList<QRect> current;
-    for (int i = 0; i < _splitView->count(); ++i)
-        current.append(_splitView->widget(i)->geometry());
-    const bool sideBySide = _splitView->orientation() == Qt::Horizontal;
-    const QList<QRect> restored = SplitLayout::restoredRects(stored, current, sideBySide);
-
-    QList<int> sizes;
-    for (const QRect &rect : restored)
-        sizes.append(std::max(0, sideBySide ? rect.width() : rect.height()));
-    _splitView->setSizes(sizes);
+    _sizeKeeper->restore(viewSizeKey(), splitViewRectsKey());
 }
 
 void GroupView::saveFrameSize()
 {
-    // Never on screen, the panes were never laid out: their frames are placeholders, and storing
-    // them would narrow the outline at every start. What was stored stays.
-    if (!_laidOut)
-        return;
-    QSettings &settings = Settings::store();
-    settings.setValue(viewSizeKey(), GeometryText::fromSize(size()));
-    if (!_splitView)
-        return;
-    QList<QRect> frames;
-    QList<bool> collapsed;
-    const QList<int> sizes = _splitView->sizes();
-    for (int i = 0; i < _splitView->count(); ++i) {
-        frames.append(_splitView->widget(i)->geometry());
-        collapsed.append(sizes.value(i) == 0);
-    }
-    settings.setValue(splitViewRectsKey(), SplitLayout::storedRects(frames, collapsed));
+    _sizeKeeper->store(viewSizeKey(), splitViewRectsKey());
 }
 
 void GroupView::destroyAllNodes()
@@ -416,14 +321,11 @@ void GroupView::setLastNodeViewed(const QString &name)
 
 // --- Display ----------------------------------------------------------------------------------
 
-void GroupView::showImage(const QPixmap &image)
-{
-    _imageView->setPixmap(image);
-}
-
 void GroupView::showPlaceholder(const QString &name)
 {
-    _imageView->setPlaceholder(name);
+    ++_imageRequest;
+    _imageNode = nullptr;
+    _detailPane->showPlaceholder(name);
 }
 
 void GroupView::showSplash()
@@ -434,43 +336,32 @@ void GroupView::showSplash()
 void GroupView::updateInterfaceForSelection()
 {
     Node *node = _group->selectedNode();
-    const bool downloaded = node && node->fileDownloaded();
-    _cancelDownloadButton->setEnabled(node && _group->nodeIsInDownloadQueue(node));
-    _refreshImageButton->setEnabled(node != nullptr);
-    _zoomImageButton->setEnabled(downloaded);
-    _revealImageButton->setEnabled(downloaded);
-    _scheduleNodeButton->setEnabled(node != nullptr);
+    _detailPane->showNode(node, node && _group->nodeIsInDownloadQueue(node));
     _refreshDomainButton->setEnabled(!node && _group->selectedDomain());
-
     emit selectionChanged();
-    if (!node) {
-        _nodeTitleField->setText(QStringLiteral("Please select an item from the list."));
-        _dataSourceField->setText(QString());
-        _lastUpdatedField->setText(QString());
-        _failureField->setFailure(QString());
-        return;
-    }
-    _nodeTitleField->setText(node->nodeTitle());
-    _dataSourceField->setText(node->dataSource());
-    if (node->autoUpdates())
-        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1, Next Update: %2")
-                                       .arg(node->lastUpdate(), node->nextUpdate()));
-    else
-        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
-    _failureField->setFailure(node->lastFailure());
 }
 
 void GroupView::displayImageForNode(Node *node)
 {
     if (node->fileDownloaded()) {
-        const QPixmap image = getScaledImageFromFileAtPath(node->filePath());
-        if (!image.isNull()) {
-            showImage(image);
-            updateImageWindowForNode(node);
-            updateInterfaceForSelection();
+        const QString path = node->filePath();
+        if (!ScaledImage::isLarge(path)) {
+            showNodeImage(node, getScaledImageFromFileAtPath(path));
             return;
         }
-        showPlaceholder(_placeholders.noData);
+        // A large picture takes longer to decode than a frame lasts: it is decoded beside the
+        // event loop. Meanwhile the node's previous picture stays, and a node just selected
+        // shows none; a newer request makes this one stale.
+        const quint64 request = ++_imageRequest;
+        if (_imageNode != node) {
+            _imageNode = nullptr;
+            _detailPane->showImage(QPixmap());
+        }
+        ScaledImage::fromFileInBackground(
+            path, devicePixelRatioF(), this, [this, node, request](const QPixmap &image) {
+                if (request == _imageRequest && node == _group->selectedNode())
+                    showNodeImage(node, image);
+            });
     } else {
         // Queued already, or queued now when missing data is fetched: either way it is coming,
         // unless its download failed at once (an address that cannot be fetched) and it has left
@@ -481,50 +372,36 @@ void GroupView::displayImageForNode(Node *node)
     updateInterfaceForSelection();
 }
 
+void GroupView::showNodeImage(Node *node, const QPixmap &image)
+{
+    if (image.isNull()) {
+        showPlaceholder(_placeholders.noData);
+    } else {
+        ++_imageRequest;
+        _imageNode = node;
+        _detailPane->showImage(image);
+        updateImageWindowForNode(node);
+    }
+    updateInterfaceForSelection();
+}
+
 QPixmap GroupView::getScaledImageFromFileAtPath(const QString &path) const
 {
     return ScaledImage::fromFile(path, devicePixelRatioF());
 }
 
-bool GroupView::showHtml(const QString &html)
-{
-    // Laying out a page costs milliseconds: the same page is not laid out again, and a view that
-    // is not on screen lays its page out when it is first shown.
-    if (html == _descriptionHtml && !_descriptionPending)
-        return true;
-    _descriptionHtml = html;
-    _descriptionPending = !isVisible();
-    if (!_descriptionPending)
-        _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(html));
-    // Qt's HTML reader takes anything; there is no failure to leave the view unchanged for.
-    return true;
-}
-
-void GroupView::showEvent(QShowEvent *event)
-{
-    QWidget::showEvent(event);
-    _laidOut = true;
-    if (_descriptionPending) {
-        _descriptionPending = false;
-        _nodeDescriptionTextField->setHtml(DescriptionText::lossyAscii(_descriptionHtml));
-    }
-}
-
 void GroupView::displayDescriptionForNode(Node *node)
 {
-    if (!_nodeDescriptionTextField)
-        return;
     if (!node || !DescriptionText::isShowable(node->itemDescription())) {
         clearDescriptionField();
         return;
     }
-    showHtml(node->itemDescription());
+    _detailPane->showDescription(node->itemDescription());
 }
 
 void GroupView::clearDescriptionField()
 {
-    if (_nodeDescriptionTextField)
-        showHtml(_defaultDescription);
+    _detailPane->showDescription(_defaultDescription);
 }
 
 // --- Node events ------------------------------------------------------------------------------
@@ -675,44 +552,25 @@ void GroupView::showSaveError(const QString &reason)
 
 void GroupView::openImageWindowForNode(Node *node)
 {
-    if (!node->fileDownloaded())
-        return;
-    if (ImageController *existing = imageWindowForNode(node)) {
-        existing->updateWithOpen(true);
-        return;
-    }
-    std::unique_ptr<ImageController> controller =
-        ImageController::create(node->filePath(), node->itemName(), node->dataSource(), node, this);
-    if (controller)
-        _imageWindows.push_back(std::move(controller));
+    _imageWindows->openImageWindowForNode(node);
 }
 
 ImageController *GroupView::imageWindowForNode(const Node *node) const
 {
-    for (const auto &controller : _imageWindows) {
-        if (controller->node() == node)
-            return controller.get();
-    }
-    return nullptr;
+    return _imageWindows->imageWindowForNode(node);
 }
 
 void GroupView::updateImageWindowForNode(Node *node)
 {
-    if (!node->fileDownloaded())
-        return;
-    if (ImageController *controller = imageWindowForNode(node))
-        controller->updateWithOpen(false);
+    _imageWindows->updateImageWindowForNode(node);
 }
 
 void GroupView::destroyAllImageWindows()
 {
-    _imageWindows.clear();
+    _imageWindows->destroyAllImageWindows();
 }
 
 void GroupView::imageWindowDidExit(ImageController *controller)
 {
-    const auto it = std::find_if(_imageWindows.begin(), _imageWindows.end(),
-                                 [controller](const auto &c) { return c.get() == controller; });
-    if (it != _imageWindows.end())
-        _imageWindows.erase(it);
+    _imageWindows->imageWindowDidExit(controller);
 }

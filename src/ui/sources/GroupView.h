@@ -2,11 +2,12 @@
 
 #include "core/sources/DomainGroup.h"
 
+#include "ui/sources/NodeDetailPane.h"
+
 #include <QPixmap>
 #include <QWidget>
 
 #include <memory>
-#include <vector>
 
 class ActivityLog;
 class Domain;
@@ -14,8 +15,10 @@ class FailureLine;
 class GroupOutlineModel;
 class ImageController;
 class ImagePane;
+class ImageWindowRegistry;
 class Node;
 class NodeScheduler;
+class ViewSizeKeeper;
 class OutlineItem;
 class QLabel;
 class QModelIndex;
@@ -25,8 +28,9 @@ class QTextBrowser;
 class QTreeView;
 
 // One image group on screen (Sun, Graphs, Aurora or Earth): the outline of its domains and nodes
-// beside the selected node's picture, title, source, update times and description, with the
-// buttons that act on the selection and the node's floating image windows.
+// beside the selected node's details (NodeDetailPane), and the nodes' floating image windows
+// (ImageWindowRegistry). The view turns the outline's selection and the nodes' events into what
+// the pane and the windows show, and the buttons' clicks into the group's commands.
 class GroupView : public QWidget {
     Q_OBJECT
 
@@ -85,18 +89,19 @@ public:
     GroupOutlineModel *outlineModel() const { return _model; }
     QTreeView *domainsList() const { return _domainsList; }
     QSplitter *splitView() const { return _splitView; }
-    ImagePane *imageView() const { return _imageView; }
-    QTextBrowser *descriptionView() const { return _nodeDescriptionTextField; }
-    QLabel *nodeTitleField() const { return _nodeTitleField; }
-    QLabel *dataSourceField() const { return _dataSourceField; }
-    QLabel *lastUpdatedField() const { return _lastUpdatedField; }
+    NodeDetailPane *detailPane() const { return _detailPane; }
+    ImagePane *imageView() const { return _detailPane->imageView(); }
+    QTextBrowser *descriptionView() const { return _detailPane->descriptionView(); }
+    QLabel *nodeTitleField() const { return _detailPane->nodeTitleField(); }
+    QLabel *dataSourceField() const { return _detailPane->dataSourceField(); }
+    QLabel *lastUpdatedField() const { return _detailPane->lastUpdatedField(); }
     // Why the selected node's last download failed, beside the last-update line.
-    FailureLine *failureField() const { return _failureField; }
-    QPushButton *cancelDownloadButton() const { return _cancelDownloadButton; }
-    QPushButton *refreshImageButton() const { return _refreshImageButton; }
-    QPushButton *zoomImageButton() const { return _zoomImageButton; }
-    QPushButton *revealImageButton() const { return _revealImageButton; }
-    QPushButton *scheduleNodeButton() const { return _scheduleNodeButton; }
+    FailureLine *failureField() const { return _detailPane->failureField(); }
+    QPushButton *cancelDownloadButton() const { return _detailPane->cancelDownloadButton(); }
+    QPushButton *refreshImageButton() const { return _detailPane->refreshImageButton(); }
+    QPushButton *zoomImageButton() const { return _detailPane->zoomImageButton(); }
+    QPushButton *revealImageButton() const { return _detailPane->revealImageButton(); }
+    QPushButton *scheduleNodeButton() const { return _detailPane->scheduleNodeButton(); }
     QPushButton *refreshDomainButton() const { return _refreshDomainButton; }
 
     QString groupName() const;
@@ -112,9 +117,6 @@ public:
     QPixmap downloadingImage() const;
     QPixmap shownImage() const;
 
-protected:
-    void showEvent(QShowEvent *event) override;
-
 signals:
     // The data-source line was clicked; the address is its text.
     void dataSourceLinkClicked(const QString &address);
@@ -124,13 +126,13 @@ signals:
 private:
     void buildInterface();
     void connectGroup();
-    void showImage(const QPixmap &image);
+    // What the picture area shows; each one makes a picture still being decoded stale.
     void showPlaceholder(const QString &name);
     void showSplash();
+    void showNodeImage(Node *node, const QPixmap &image);
     void restoreExpansion();
     void userExpanded(const QModelIndex &index);
     void userCollapsed(const QModelIndex &index);
-    bool showHtml(const QString &html);
     void nodeStatusChanged(Node *node);
     void nodeSettingsChanged(Node *node);
     void nodeDataLoaded(Node *node);
@@ -140,32 +142,22 @@ private:
     DomainGroup *_group;
     GroupOutlineModel *_model;
     ActivityLog *_log;
-    std::vector<std::unique_ptr<ImageController>> _imageWindows;
+    std::unique_ptr<ImageWindowRegistry> _imageWindows;
     QString _defaultDescription;
-    QString _descriptionHtml;
-    bool _descriptionPending = false;
 
     DomainGroup::Placeholders _placeholders;
 
     QTreeView *_domainsList = nullptr;
     QSplitter *_splitView = nullptr;
-    QTextBrowser *_nodeDescriptionTextField = nullptr;
-    ImagePane *_imageView = nullptr;
-    QLabel *_nodeTitleField = nullptr;
-    QLabel *_dataSourceField = nullptr;
-    QLabel *_lastUpdatedField = nullptr;
-    FailureLine *_failureField = nullptr;
-    QPushButton *_cancelDownloadButton = nullptr;
-    QPushButton *_refreshImageButton = nullptr;
-    QPushButton *_zoomImageButton = nullptr;
-    QPushButton *_revealImageButton = nullptr;
-    QPushButton *_scheduleNodeButton = nullptr;
+    NodeDetailPane *_detailPane = nullptr;
     QPushButton *_refreshDomainButton = nullptr;
     NodeScheduler *_nodeSchedulerWindow = nullptr;
+    ViewSizeKeeper *_sizeKeeper = nullptr;
+    // The node whose picture is shown, if any, and the number of the latest request for a
+    // picture: a large picture decoded in the background is shown only if no other came since.
+    const Node *_imageNode = nullptr;
+    quint64 _imageRequest = 0;
     // Restoring the expansion at start-up is not the user's choice and must not be remembered
     // as one; a double click that toggles a domain is, and is remembered.
     bool _restoringExpansion = false;
-    // Whether the view has been on screen, and so laid out, in this session. A view that never
-    // was has nothing of its own to store: the frames of its panes are not the user's.
-    bool _laidOut = false;
 };

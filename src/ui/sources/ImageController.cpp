@@ -117,7 +117,16 @@ QSizeF ImageController::maximumContentSize() const
 
 void ImageController::updateWithOpen(bool open)
 {
-    _imageView->setPixmap(getScaledImageFromFileAtPath(_path));
+    const quint64 update = ++_update;
+    if (ScaledImage::isLarge(_path)) {
+        ScaledImage::fromFileInBackground(_path, _imageWindow->devicePixelRatioF(), this,
+                                          [this, update](const QPixmap &image) {
+                                              if (update == _update)
+                                                  _imageView->setPixmap(image);
+                                          });
+    } else {
+        _imageView->setPixmap(getScaledImageFromFileAtPath(_path));
+    }
     if (open) {
         _imageWindow->show();
         _imageWindow->raise();

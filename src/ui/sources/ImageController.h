@@ -33,7 +33,8 @@ public:
     ImageWindow *window() const { return _imageWindow.get(); }
     ImageCanvas *imageView() const { return _imageView; }
 
-    // Reloads the image; brings the window to the front only when asked to.
+    // Reloads the image (a large one beside the event loop, the window keeping the old picture
+    // until then); brings the window to the front only when asked to.
     void updateWithOpen(bool open);
     void setWindowFrameAttributes();
     // Gives the whole window frame this size, its top-left corner staying where it is.
@@ -72,4 +73,6 @@ private:
     Node *_node = nullptr;
     float _dwidth = 0;
     float _dheight = 0;
+    // The latest reload asked for: an older one that finishes later is not shown.
+    quint64 _update = 0;
 };

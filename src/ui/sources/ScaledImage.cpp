@@ -2,10 +2,18 @@
 
 #include "core/util/ImageScaling.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QImageReader>
+#include <QPointer>
+#include <QThreadPool>
 
 QPixmap ScaledImage::fromFile(const QString &path, qreal devicePixelRatio)
+{
+    return QPixmap::fromImage(imageFromFile(path, devicePixelRatio));
+}
+
+QImage ScaledImage::imageFromFile(const QString &path, qreal devicePixelRatio)
 {
     QImageReader reader(path);
     reader.setAutoTransform(true);
@@ -25,17 +33,43 @@ QPixmap ScaledImage::fromFile(const QString &path, qreal devicePixelRatio)
         }
         QImage image = reader.read();
         if (image.isNull())
-            return QPixmap();
-        QPixmap pixmap = QPixmap::fromImage(std::move(image));
-        pixmap.setDevicePixelRatio(qreal(pixmap.width()) / qreal(std::max(1, points.width())));
-        return pixmap;
+            return QImage();
+        image.setDevicePixelRatio(qreal(image.width()) / qreal(std::max(1, points.width())));
+        return image;
     }
 
     QImage image = reader.read();
     if (image.isNull())
-        return QPixmap();
+        return QImage();
     const QSize points = ImageScaling::scaledSize(image.size());
     if (points != image.size())
         image = image.scaled(points, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    return QPixmap::fromImage(std::move(image));
+    return image;
+}
+
+bool ScaledImage::isLarge(const QString &path)
+{
+    // Only the header is read to learn the size. A format that tells it only after decoding (GIF)
+    // counts as small; such files are.
+    const QSize pixels = QImageReader(path).size();
+    return pixels.isValid() && qint64(pixels.width()) * pixels.height() >= kLargePixels;
+}
+
+void ScaledImage::fromFileInBackground(const QString &path, qreal devicePixelRatio,
+                                       QObject *receiver, std::function<void(const QPixmap &)> done)
+{
+    const QPointer<QObject> target(receiver);
+    QThreadPool::globalInstance()->start([path, devicePixelRatio, target, done] {
+        const QImage image = imageFromFile(path, devicePixelRatio);
+        QCoreApplication *application = QCoreApplication::instance();
+        if (!application)
+            return;
+        QMetaObject::invokeMethod(
+            application,
+            [image, target, done] {
+                if (target)
+                    done(QPixmap::fromImage(image));
+            },
+            Qt::QueuedConnection);
+    });
 }

@@ -249,12 +249,14 @@ class Bench:
         shown = {n: median([r["shown_ms"] for r in runs[n]]) for n in runs}
         mapped = {n: median([r["mapped_ms"] for r in runs[n]]) for n in runs}
         peak = {n: median([r["peak_rss_kb"] for r in runs[n]]) / 1024 for n in runs}
+        cpu = {n: median([r["shown_cpu_ms"] for r in runs[n]]) for n in runs}
         self.results["startup"] = {"runs": runs, "shown_ms": shown, "mapped_ms": mapped,
-                                   "peak_rss_mb": peak}
+                                   "shown_cpu_ms": cpu, "peak_rss_mb": peak}
         ratio = shown["vantorel"] / shown["bare"]
         self.row("Start-up: process start to main window shown", shown["vantorel"], shown["bare"],
                  "ms", "<= 1.5 x bare Qt", ratio, ratio <= 1.5,
-                 f"mapped at {mapped['vantorel']:.0f} / {mapped['bare']:.0f} ms")
+                 f"mapped at {mapped['vantorel']:.0f} / {mapped['bare']:.0f} ms; processor time "
+                 f"until shown {cpu['vantorel']:.0f} / {cpu['bare']:.0f} ms")
         extra = peak["vantorel"] - peak["bare"]
         self.row("Memory: peak resident size after start-up", peak["vantorel"], peak["bare"],
                  "MB", "<= bare + 30 MB", f"+{extra:.1f} MB", extra <= 30)
@@ -388,9 +390,11 @@ class Bench:
         idle = max(r["idle"]["max_gap_ms"] for r in runs)
         switching = max(r["switching"]["max_gap_ms"] for r in runs)
         seconds = median([r["transfers"]["transfers_ms"] for r in runs]) / 1000
+        busy = max(r["transfers"]["max_busy_ms"] for r in runs)
         self.row("Longest main-thread gap (1-ms timer): 5 large transfers + view switches",
-                 during, idle, "ms", "< 20 ms (baseline: idle)", during / idle, during < 20,
-                 f"worst of 3 runs of {seconds:.1f} s; switching views alone: {switching:.1f} ms")
+                 during, idle, "ms", "< 16 ms (baseline: idle)", during / idle, during < 16,
+                 f"worst of 3 runs of {seconds:.1f} s; switching views alone: {switching:.1f} ms; "
+                 f"the main thread's own work within one gap at most {busy:.1f} ms")
 
     # --- the providers' JSON data and the history ------------------------------------------
 

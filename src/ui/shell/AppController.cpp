@@ -9,7 +9,6 @@
 #include "core/shell/ToolbarItems.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
-#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 #include "core/util/ResourceLocator.h"
 #include "ui/alerts/AlertsView.h"
@@ -18,6 +17,7 @@
 #include "ui/moon/MoonView.h"
 #include "ui/shell/AboutBox.h"
 #include "ui/shell/MainToolbar.h"
+#include "ui/shell/MainViews.h"
 #include "ui/shell/MainWindow.h"
 #include "ui/shell/PreferencesPanel.h"
 #include "ui/sources/GroupView.h"
@@ -91,10 +91,10 @@ void AppController::buildInterface()
 
     _window = new MainWindow;
     connect(_window, &MainWindow::closeRequested, this, &AppController::windowShouldClose);
-    // Each view keeps its place in the stack by its number; until it is built, an empty
-    // stand-in holds the place.
-    for (int number = 0; number < kViewCount; ++number)
-        _window->content()->addWidget(new QWidget);
+    _views = new MainViews(_core, _log, _window->content(), this);
+    connect(_views, &MainViews::selectionChanged, this, &AppController::validateMenus);
+    connect(_views, &MainViews::dataSourceLinkClicked, this,
+            &AppController::viewDataSourceLinkClicked);
 
     connectMenus();
     _log->awakeFromNib();
@@ -124,12 +124,7 @@ void AppController::ensureDialogs()
 
     // One schedule sheet serves every data view.
     _nodeScheduler = new NodeScheduler(_window);
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
-        if (view)
-            view->setNodeSchedulerWindow(_nodeScheduler);
-    }
-    if (_alertsView)
-        _alertsView->setNodeSchedulerWindow(_nodeScheduler);
+    _views->setNodeScheduler(_nodeScheduler);
 }
 
 PreferencesPanel *AppController::preferencesPanel()
@@ -150,151 +145,41 @@ NodeScheduler *AppController::nodeScheduler()
     return _nodeScheduler;
 }
 
-QWidget *AppController::builtView(int viewNumber) const
-{
-    switch (viewNumber) {
-    case 0:
-        return _sunView;
-    case 1:
-        return _graphView;
-    case 2:
-        return _auroraView;
-    case 3:
-        return _earthView;
-    case 4:
-        return _alertsView;
-    case 5:
-        return _moonView;
-    default:
-        return nullptr;
-    }
-}
-
-QWidget *AppController::ensureView(int viewNumber)
-{
-    if (QWidget *built = builtView(viewNumber))
-        return built;
-    QWidget *view = nullptr;
-    switch (viewNumber) {
-    case 0:
-        view = _sunView = new GroupView(_core->sunGroup(), _log);
-        break;
-    case 1:
-        view = _graphView = new GroupView(_core->graphGroup(), _log);
-        break;
-    case 2:
-        view = _auroraView = new GroupView(_core->auroraGroup(), _log);
-        break;
-    case 3:
-        view = _earthView = new GroupView(_core->earthGroup(), _log);
-        break;
-    case 4:
-        _alertsView = new AlertsView(_core->alertsGroup(), _log);
-        _alertsView->setNodeSchedulerWindow(_nodeScheduler);
-        connect(_alertsView, &AlertsView::selectionChanged, this, &AppController::validateMenus);
-        _alertsView->awakeFromNib();
-        view = _alertsView;
-        break;
-    case 5:
-        _moonView = new MoonView;
-        _moonView->awakeFromNib();
-        view = _moonView;
-        break;
-    default:
-        return nullptr;
-    }
-    if (auto *groupView = qobject_cast<GroupView *>(view))
-        wireGroupView(groupView);
-
-    QStackedWidget *stack = _window->content();
-    QWidget *standIn = stack->widget(viewNumber);
-    stack->insertWidget(viewNumber, view);
-    stack->removeWidget(standIn);
-    delete standIn;
-
-    if (_awake)
-        loadView(viewNumber);
-    if (_launched)
-        launchView(viewNumber);
-    return view;
-}
-
-void AppController::wireGroupView(GroupView *view)
-{
-    view->setNodeSchedulerWindow(_nodeScheduler);
-    view->awakeFromNib();
-    connect(view, &GroupView::dataSourceLinkClicked, this,
-            &AppController::viewDataSourceLinkClicked);
-    connect(view, &GroupView::selectionChanged, this, &AppController::validateMenus);
-}
-
-void AppController::loadView(int viewNumber)
-{
-    const QString dataFolder = _core->dataFolderPath();
-    switch (viewNumber) {
-    case 0:
-    case 1:
-    case 2:
-    case 3: {
-        auto *view = static_cast<GroupView *>(builtView(viewNumber));
-        const GroupCatalogue::Group *group = GroupCatalogue::group(viewNumber);
-        view->setDefaultDescription(_defaultDescription);
-        view->loadDomainDataForGroup(group->name, group->number, group->definitionFile, dataFolder);
-        break;
-    }
-    case 4:
-        _alertsView->loadDictionaryData(
-            GroupCatalogue::group(GroupCatalogue::Alerts)->definitionFile, dataFolder);
-        break;
-    case 5:
-        _moonView->setHemisphere(Preferences::shared().southernHemisphere());
-        break;
-    default:
-        break;
-    }
-}
-
-void AppController::launchView(int viewNumber)
-{
-    if (auto *view = qobject_cast<GroupView *>(builtView(viewNumber)))
-        view->applicationDidFinishLaunching();
-}
-
 GroupView *AppController::sunView()
 {
-    return static_cast<GroupView *>(ensureView(0));
+    return static_cast<GroupView *>(_views->ensure(0));
 }
 
 GroupView *AppController::graphView()
 {
-    return static_cast<GroupView *>(ensureView(1));
+    return static_cast<GroupView *>(_views->ensure(1));
 }
 
 GroupView *AppController::auroraView()
 {
-    return static_cast<GroupView *>(ensureView(2));
+    return static_cast<GroupView *>(_views->ensure(2));
 }
 
 GroupView *AppController::earthView()
 {
-    return static_cast<GroupView *>(ensureView(3));
+    return static_cast<GroupView *>(_views->ensure(3));
 }
 
 AlertsView *AppController::alertsView()
 {
-    return static_cast<AlertsView *>(ensureView(4));
+    return static_cast<AlertsView *>(_views->ensure(4));
 }
 
 MoonView *AppController::moonView()
 {
-    return static_cast<MoonView *>(ensureView(5));
+    return static_cast<MoonView *>(_views->ensure(5));
 }
 
 QList<QWidget *> AppController::views()
 {
     QList<QWidget *> all;
-    for (int number = 0; number < kViewCount; ++number)
-        all.append(ensureView(number));
+    for (int number = 0; number < MainViews::kCount; ++number)
+        all.append(_views->ensure(number));
     return all;
 }
 
@@ -366,12 +251,18 @@ QAction *AppController::scheduleItem() const
     return _window->item(MainWindow::Command::Schedule);
 }
 
+AlertsView *AppController::shownAlertsView() const
+{
+    AlertsView *alerts = _views->alertsView();
+    return alerts && _window->content()->currentWidget() == alerts ? alerts : nullptr;
+}
+
 Node *AppController::shownSelectedNode() const
 {
     if (_selectedGroupView)
         return _selectedGroupView->selectedNode();
-    if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        return _alertsView->selectedNode();
+    if (AlertsView *alerts = shownAlertsView())
+        return alerts->selectedNode();
     return nullptr;
 }
 
@@ -379,8 +270,8 @@ NodeGroup *AppController::shownGroup() const
 {
     if (_selectedGroupView)
         return _selectedGroupView->group();
-    if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        return _alertsView->group();
+    if (AlertsView *alerts = shownAlertsView())
+        return alerts->group();
     return nullptr;
 }
 
@@ -418,24 +309,24 @@ void AppController::refreshSelectedNodeData()
 {
     if (_selectedGroupView)
         _selectedGroupView->refreshSelectedNodeData();
-    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        _alertsView->refreshSelectedNodeData();
+    else if (AlertsView *alerts = shownAlertsView())
+        alerts->refreshSelectedNodeData();
 }
 
 void AppController::cancelSelectedNodeDownload()
 {
     if (_selectedGroupView)
         _selectedGroupView->cancelSelectedNodeDownload();
-    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        _alertsView->cancelSelectedNodeDownload();
+    else if (AlertsView *alerts = shownAlertsView())
+        alerts->cancelSelectedNodeDownload();
 }
 
 void AppController::revealSelectedNodeData()
 {
     if (_selectedGroupView)
         _selectedGroupView->revealSelectedNodeData();
-    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        _alertsView->revealSelectedNodeData();
+    else if (AlertsView *alerts = shownAlertsView())
+        alerts->revealSelectedNodeData();
 }
 
 void AppController::openScheduleWindowForSelectedNode()
@@ -443,8 +334,8 @@ void AppController::openScheduleWindowForSelectedNode()
     ensureDialogs();
     if (_selectedGroupView)
         _selectedGroupView->openScheduleWindowForNode();
-    else if (_alertsView && _window->content()->currentWidget() == _alertsView)
-        _alertsView->openScheduleWindowForNode();
+    else if (AlertsView *alerts = shownAlertsView())
+        alerts->openScheduleWindowForNode();
 }
 
 void AppController::connectPreferencesPanel()
@@ -498,7 +389,8 @@ void AppController::awakeFromNib()
     loadPreferences();
     // The picture that the view shown first shows before anything is selected is drawn on
     // another processor while this thread builds the window.
-    if (const int first = _lastView >= 0 && _lastView < kViewCount ? _lastView : 0; first < 4)
+    if (const int first = _lastView >= 0 && _lastView < MainViews::kCount ? _lastView : 0;
+        first < 4)
         NamedImage::prepare({DomainGroup::placeholdersForGroup(first).splash},
                             _window->devicePixelRatioF());
     initToolbar();
@@ -508,20 +400,16 @@ void AppController::awakeFromNib()
     // so is the Alerts view, whose width depends on its reports' titles (its menu fits the
     // longest), so that the window is laid out for it from the start. The others follow once
     // the window is on screen (continueLaunching()), or when needed.
-    for (int number = 0; number < kViewCount; ++number) {
-        if (builtView(number))
-            loadView(number);
-    }
+    _views->startLoading(_defaultDescription);
     viewForNumber(_lastView);
-    ensureView(kAlertsViewNumber);
+    _views->ensure(kAlertsViewNumber);
 }
 
 void AppController::applicationDidFinishLaunching()
 {
     setGroupView(_lastView);
     _launched = true;
-    for (int number = 0; number < kViewCount; ++number)
-        launchView(number);
+    _views->startLaunching();
     _window->show();
     _window->raise();
     _window->activateWindow();
@@ -549,9 +437,9 @@ void AppController::continueLaunching()
         ensureDialogs();
         break;
     default:
-        for (int number = 0; number < kViewCount; ++number) {
-            if (!builtView(number)) {
-                ensureView(number);
+        for (int number = 0; number < MainViews::kCount; ++number) {
+            if (!_views->built(number)) {
+                _views->ensure(number);
                 QTimer::singleShot(0, this, &AppController::continueLaunching);
                 return;
             }
@@ -578,8 +466,7 @@ void AppController::finishLaunching()
         return;
     showOwnIcons();
     ensureDialogs();
-    for (int number = 0; number < kViewCount; ++number)
-        ensureView(number);
+    views();
     if (!_launched)
         return;
     _launchFinished = true;
@@ -612,22 +499,21 @@ void AppController::applicationWillTerminate()
 
     // A quit before start-up has built every view: the rest are built (and their groups read)
     // now, so that every node stores its state as in any other shutdown. Nothing more starts.
-    if (_awake) {
-        for (int number = 0; number < kViewCount; ++number)
-            ensureView(number);
-    }
+    if (_awake)
+        views();
 
     // No responses are cached; dropping the connections is what is left to empty.
     NetworkAccess::manager()->clearAccessCache();
 
-    for (GroupView *view : {_sunView, _graphView, _auroraView, _earthView}) {
+    for (GroupView *view :
+         {_views->sunView(), _views->graphView(), _views->auroraView(), _views->earthView()}) {
         if (view)
             view->cleanup();
     }
-    if (_alertsView)
-        _alertsView->cleanup();
-    if (_moonView)
-        _moonView->cleanup();
+    if (AlertsView *alerts = _views->alertsView())
+        alerts->cleanup();
+    if (MoonView *moon = _views->moonView())
+        moon->cleanup();
 
     stopScheduler();
     _log->saveWindowFrame();
@@ -737,8 +623,8 @@ void AppController::setSouthernHemisphere(bool on)
 {
     Preferences::shared().setSouthernHemisphere(on);
     // A Moon view not built yet reads the preference when it is.
-    if (_moonView)
-        _moonView->setHemisphere(on);
+    if (MoonView *moon = _views->moonView())
+        moon->setHemisphere(on);
 }
 
 void AppController::setTimeoutValue(int seconds)
@@ -798,7 +684,7 @@ void AppController::onlineStateChanged()
 
 QWidget *AppController::viewForNumber(int viewNumber)
 {
-    return ensureView(viewNumber >= 0 && viewNumber < kViewCount ? viewNumber : 0);
+    return _views->ensure(viewNumber >= 0 && viewNumber < MainViews::kCount ? viewNumber : 0);
 }
 
 void AppController::setGroupView(int viewNumber)

@@ -13,6 +13,7 @@ class AppCore;
 class GroupView;
 class MainWindow;
 class MainToolbar;
+class MainViews;
 class MoonView;
 class Node;
 class NodeGroup;
@@ -27,10 +28,15 @@ class QWidget;
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
 // sequences; and answers the global settings that every view and node reads.
 //
-// Start-up shows the window as soon as the view to be shown exists: the other views are built,
-// and their groups loaded, one per turn of the event loop once the first frame is on screen,
-// followed by the start-up downloads and the update timer. Whoever needs a view or the groups
-// sooner (a menu command, a caller of core()) gets them built at once.
+// The main window owns the menus and the views' places (MainWindow, MainViews); the controller
+// connects to them and decides what every command does and when it may act.
+//
+// Start-up shows the window as soon as the view to be shown (and the Alerts view, which sets the
+// window's least width) exists and has read its group. Once the first frame is on screen, one step
+// per turn of the event loop: the window's icon and the icon theme's pictures, the dialogs, each
+// other view with its group, then the stale-file sweep, the start-up downloads and the update
+// timer. Whoever needs a view, a dialog or the groups sooner (a menu command, a caller of core())
+// gets them at once, and every global command first finishes those steps.
 class AppController : public QObject {
     Q_OBJECT
 
@@ -142,7 +148,6 @@ public:
     void validateMenus();
 
 private:
-    static constexpr int kViewCount = 6;
     static constexpr int kAlertsViewNumber = 4;
 
     explicit AppController(QObject *parent);
@@ -162,14 +167,8 @@ private:
     NodeGroup *shownGroup() const;
     // The view for a view number (any unknown number is the Sun's), built if it is not yet.
     QWidget *viewForNumber(int viewNumber);
-    // The view with that number (0 to 5) if it has been built, else none.
-    QWidget *builtView(int viewNumber) const;
-    QWidget *ensureView(int viewNumber);
-    void wireGroupView(GroupView *view);
-    // The start-up steps of one view: its group read (after awakeFromNib), its empty selection
-    // set up (after launching).
-    void loadView(int viewNumber);
-    void launchView(int viewNumber);
+    // The Alerts view if it is the one shown, else none.
+    AlertsView *shownAlertsView() const;
     // One step of what start-up leaves for after the first frame; it schedules the next.
     void continueLaunching();
     // The window's own picture and the icon theme's pictures in the toolbar.
@@ -180,12 +179,8 @@ private:
     MainWindow *_window = nullptr;
     MainToolbar *_toolbar = nullptr;
 
-    GroupView *_sunView = nullptr;
-    GroupView *_graphView = nullptr;
-    GroupView *_auroraView = nullptr;
-    GroupView *_earthView = nullptr;
-    AlertsView *_alertsView = nullptr;
-    MoonView *_moonView = nullptr;
+    // The six views (_sunView to _moonView), built as they are needed.
+    MainViews *_views = nullptr;
     QString _defaultDescription;
     GroupView *_selectedGroupView = nullptr;
     PreferencesPanel *_preferencesPanel = nullptr;

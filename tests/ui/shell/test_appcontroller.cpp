@@ -1,25 +1,12 @@
 #include "../UiFixture.h"
 #include "TestHttpServer.h"
 
-#include "core/shell/AppCore.h"
-#include "core/sources/DomainGroup.h"
-#include "core/sources/FlatGroup.h"
-#include "core/sources/Node.h"
-#include "core/util/ResourceLocator.h"
-#include "ui/alerts/AlertsView.h"
-#include "ui/moon/MoonView.h"
 #include "ui/shell/AboutBox.h"
-#include "ui/shell/MainWindow.h"
-#include "ui/sources/GroupView.h"
 
-#include <QApplication>
-#include <QComboBox>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
-#include <QSettings>
-#include <QStackedWidget>
 #include <QStandardPaths>
 #include <QTreeView>
 
@@ -56,9 +43,8 @@ private slots:
         QCOMPARE(_app->window()->windowTitle(), "Vantorel version 0.1.0");
         QVERIFY(_app->window()->isVisible());
         QCOMPARE(_app->aboutBox()->versionNumberField()->text(), "Version Number 0.1.0");
-        QFile description(VANTOREL_TEST_RESOURCE_DIR "/DefaultDescription.txt");
-        QVERIFY(description.open(QIODevice::ReadOnly));
-        QCOMPARE(_app->defaultDescription(), QString::fromUtf8(description.readAll()));
+        QCOMPARE(_app->defaultDescription(),
+                 TestEnvironment::readFile(VANTOREL_TEST_RESOURCE_DIR "/DefaultDescription.txt"));
         const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                              "/Vantorel Data";
         QVERIFY(QFileInfo(data).isDir());
@@ -119,7 +105,7 @@ private slots:
         QList<Node *> nodes;
         for (NodeGroup *group : _app->core()->groupsInViewOrder()) {
             nodes << group->allNodes().first();
-            writeFile(nodes.last()->filePath(), "data");
+            QVERIFY(TestEnvironment::writeFile(nodes.last()->filePath(), "data"));
         }
         QStringList texts;
         QTimer::singleShot(0, this, [&] {
@@ -146,14 +132,10 @@ private slots:
     {
         TestHttpServer server;
         server.serve("/sun.png", TestHttpServer::picture(5000));
-        const QString definitions = TestEnvironment::makeFolder("definitions");
-        QVERIFY(TestEnvironment::writePropertyList(
-            definitions + "/DataSun.plist",
-            {{"Domain0",
-              QVariantMap{{"DomainName", "Disc"},
-                          {"Node0", TestEnvironment::nodeDict("sun.png", "Disc", server.baseUrl(),
-                                                              "sun.png")}}}}));
-        ResourceLocator::setDefinitionsFolder(definitions);
+        const QVariantMap sun =
+            TestEnvironment::nodeDict("sun.png", "Disc", server.baseUrl(), "sun.png");
+        TestEnvironment::installDefinitions(
+            "DataSun.plist", {{"Domain0", QVariantMap{{"DomainName", "Disc"}, {"Node0", sun}}}});
         _app = startApplication();
         _app->setGroupView(5); // the Moon on screen, the Sun hidden
         // A download in the hidden Sun view runs to its end, and its outline row shows it.

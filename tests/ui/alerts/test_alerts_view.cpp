@@ -6,7 +6,6 @@
 #include "ui/sources/NodeScheduler.h"
 
 #include <QCheckBox>
-#include <QFontDatabase>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 
@@ -135,7 +134,6 @@ private slots:
             _group->addNodeToDownloadQueue(nodeAt(1));
         }
         choose(1);
-        QCOMPARE(_group->selectedNode(), nodeAt(1));
         QCOMPARE(shown(), fetch<QString>("text"));
         QCOMPARE(statusLine(), fetch<QString>("status"));
         QCOMPARE(canCancel(), fetch<bool>("cancel"));
@@ -246,7 +244,6 @@ private slots:
         QCOMPARE(lastLine(), "Last Updated: Monday, Nov 16 2026 at 05:57 PM");
         button(_view.get(), "Schedule…")->click();
         QVERIFY(_sheet.isVisible());
-        QCOMPARE(_sheet.windowModality(), Qt::WindowModal);
         QCOMPARE(_sheet.nodeTitleField()->text(), "Scheduled Updating for \"Daily title\"");
         QComboBox *rate = _sheet.autoUpdateTimeMenu();
         QCOMPARE((QList<int>{rate->count(), rate->currentIndex(), rate->isEnabled()}),
@@ -300,18 +297,6 @@ private slots:
         QVERIFY(!_sheet.isVisible());
         _view->cleanup();
         QCOMPARE(QSettings().value("lastAlertMenuIndex").toInt(), 1);
-    }
-
-    void plainTextInAFixedFont()
-    {
-        writeNodes({node("a.txt", "A", "stall")});
-        writeData("a.txt", "<html><b>Kp</b> &amp;\n\tcolumn  ");
-        load();
-        QCOMPARE(shown(), "<html><b>Kp</b> &amp;\n\tcolumn  "); // markup is shown as it is
-        auto *text = _view->findChild<QPlainTextEdit *>();
-        QCOMPARE(text->font().family(),
-                 QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
-        QVERIFY(text->font().pointSizeF() >= 10.0 && text->isReadOnly());
     }
 };
 

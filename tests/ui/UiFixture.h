@@ -83,14 +83,15 @@ inline QAction *menuItem(const QMainWindow *window, const QString &menu, const Q
     qFatal("No menu item %s > %s", qPrintable(menu), qPrintable(text));
 }
 
-// The first top-level window of that class, shown or not; none when there is none.
-template <typename Window> Window *topLevel()
+// The top-level windows of that class, shown or not.
+template <typename Window> QList<Window *> topLevels()
 {
+    QList<Window *> found;
     for (QWidget *widget : QApplication::topLevelWidgets()) {
         if (auto *window = qobject_cast<Window *>(widget))
-            return window;
+            found << window;
     }
-    return nullptr;
+    return found;
 }
 
 inline void writeImage(const QString &path, const QSize &size)

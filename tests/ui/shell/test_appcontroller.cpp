@@ -56,8 +56,7 @@ private slots:
 
     void restoresTheLastView_data()
     {
-        QTest::addColumn<int>("stored");
-        QTest::addColumn<int>("shown");
+        columns<int, int>("stored", "shown");
         QTest::newRow("Graphs") << 1 << 1;
         QTest::newRow("Alerts") << 4 << 4;
         QTest::newRow("Moon") << 5 << 5;
@@ -89,7 +88,7 @@ private slots:
 
     void emptyCacheAsksFirst_data()
     {
-        QTest::addColumn<QString>("answer");
+        columns<QString>("answer");
         QTest::newRow("Cancel changes nothing") << "Cancel";
         QTest::newRow("Empty deletes every data file") << "Empty";
     }
@@ -142,7 +141,7 @@ private slots:
 
     void signalsShutDownInOrder_data()
     {
-        QTest::addColumn<int>("signalNumber");
+        columns<int>("signalNumber");
         QTest::newRow("SIGTERM") << int(SIGTERM);
         QTest::newRow("SIGINT") << int(SIGINT);
     }

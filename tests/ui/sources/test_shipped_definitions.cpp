@@ -28,8 +28,8 @@ QString htmlProblem(const QString &html)
 
 } // namespace
 
-// The definition files, the welcome page and the artwork that ship with the application, read
-// the way the application reads them.
+// The definition files and the artwork that ship with the application, read the way the
+// application reads them.
 class TestShippedDefinitions : public QObject {
     Q_OBJECT
 
@@ -66,6 +66,10 @@ private slots:
             } else {
                 QVERIFY(images.loadDomainDataForGroup(group.name, group.number, file, data));
                 nodes = images.allNodes();
+                const GroupCatalogue::Placeholders &p = group.placeholders;
+                for (const QString &name :
+                     {p.splash, p.noData, p.downloading}) // placeholders render
+                    QVERIFY2(!NamedImage::pixmap(name).isNull(), qPrintable(file + ": " + name));
                 for (const Domain *domain : images.domains())
                     QVERIFY2(fresh(domainNames, domain->domainName()), qPrintable(file));
             }
@@ -95,28 +99,12 @@ private slots:
         }
     }
 
-    void welcomePage()
+    void toolbarArtwork()
     {
-        const QString html =
-            TestEnvironment::readFile(VANTOREL_TEST_RESOURCE_DIR "/DefaultDescription.txt");
-        QVERIFY2(htmlProblem(html).isEmpty(), qPrintable(htmlProblem(html)));
-    }
-
-    void artworkForEveryState()
-    {
-        // Every picture a view or the toolbar asks for by name is drawn and renders.
-        QStringList names;
-        for (const GroupCatalogue::Group &group : GroupCatalogue::groups()) {
-            const GroupCatalogue::Placeholders &p = group.placeholders;
-            if (group.layout == GroupCatalogue::Layout::Domains)
-                names << p.splash << p.noData << p.downloading;
-        }
         for (const QString &identifier : ToolbarItems::allowedItemIdentifiers()) {
             if (const auto item = ToolbarItems::item(identifier))
-                names << item->image;
+                QVERIFY2(!NamedImage::pixmap(item->image).isNull(), qPrintable(identifier));
         }
-        for (const QString &name : names)
-            QVERIFY2(!name.isEmpty() && !NamedImage::pixmap(name).isNull(), qPrintable(name));
     }
 };
 

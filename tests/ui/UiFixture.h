@@ -2,16 +2,28 @@
 
 #include "TestEnvironment.h"
 
+#include "core/settings/Preferences.h"
+#include "core/shell/AppCore.h"
+#include "core/sources/DomainGroup.h"
+#include "core/sources/FlatGroup.h"
+#include "core/sources/Node.h"
+#include "ui/alerts/AlertsView.h"
+#include "ui/moon/MoonView.h"
 #include "ui/shell/AppController.h"
+#include "ui/shell/MainWindow.h"
+#include "ui/sources/GroupView.h"
 
 #include <QAbstractButton>
 #include <QAction>
-#include <QFile>
+#include <QApplication>
+#include <QComboBox>
 #include <QImage>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSettings>
+#include <QStackedWidget>
 #include <QtTest>
 
 // What the widget tests share. Controls are found the way a user finds them, by what they say, so
@@ -27,12 +39,20 @@ inline QAbstractButton *button(const QWidget *root, const QString &text)
     qFatal("No button says \"%s\"", qPrintable(text));
 }
 
-// Whether the buttons that say these texts are enabled, in that order.
-inline QList<bool> enabledButtons(const QWidget *root, const QStringList &texts)
+// Whether these actions, or the buttons that say these texts, are enabled: "1" or "0" each, in
+// that order.
+inline QString enabledActions(const QList<QAction *> &actions)
 {
-    QList<bool> enabled;
+    QString enabled;
+    for (const QAction *action : actions)
+        enabled += action->isEnabled() ? '1' : '0';
+    return enabled;
+}
+inline QString enabledButtons(const QWidget *root, const QStringList &texts)
+{
+    QString enabled;
     for (const QString &text : texts)
-        enabled << button(root, text)->isEnabled();
+        enabled += button(root, text)->isEnabled() ? '1' : '0';
     return enabled;
 }
 
@@ -63,11 +83,15 @@ inline QAction *menuItem(const QMainWindow *window, const QString &menu, const Q
     qFatal("No menu item %s > %s", qPrintable(menu), qPrintable(text));
 }
 
-inline void writeFile(const QString &path, const QByteArray &bytes)
+// The top-level windows of that class, shown or not.
+template <typename Window> QList<Window *> topLevels()
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("Cannot write %s", qPrintable(path));
+    QList<Window *> found;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (auto *window = qobject_cast<Window *>(widget))
+            found << window;
+    }
+    return found;
 }
 
 inline void writeImage(const QString &path, const QSize &size)

@@ -4,13 +4,14 @@
 #include "core/sources/UpdateTimeText.h"
 #include "core/util/CalendarFormat.h"
 #include "core/util/GeometryText.h"
+#include "core/util/ImageScaling.h"
 #include "core/util/SplitLayout.h"
 
 #include <QLocale>
 #include <QtTest>
 
 // The small text formats under the others: calendar patterns, log stamps, stored update times,
-// sizes and rectangles, and the stored layout of split panes.
+// sizes and rectangles, the stored layout of split panes, and the size an image is shown at.
 class TestSupport : public QObject {
     Q_OBJECT
 
@@ -125,6 +126,22 @@ private slots:
         QCOMPARE(GeometryText::toRect(fetch<QString>("text")), rect);
         QCOMPARE(GeometryText::isEmptyRect(rect), fetch<bool>("empty"));
         QCOMPARE(GeometryText::toRect(GeometryText::fromRect(rect)), rect);
+    }
+
+    void imageScaling_data()
+    {
+        columns<QSize, QSize>("pixels", "points");
+        QTest::newRow("wide") << QSize(1600, 1200) << QSize(800, 600);
+        QTest::newRow("tall") << QSize(900, 1200) << QSize(600, 800);
+        QTest::newRow("a tie") << QSize(1000, 1000) << QSize(800, 800);
+        QTest::newRow("truncated") << QSize(801, 10) << QSize(800, 9);
+        QTest::newRow("both sides too long") << QSize(2000, 1001) << QSize(800, 400);
+        QTest::newRow("never enlarged") << QSize(640, 480) << QSize(640, 480);
+    }
+
+    void imageScaling()
+    {
+        QCOMPARE(ImageScaling::scaledSize(fetch<QSize>("pixels")), fetch<QSize>("points"));
     }
 
     void splitRestore_data()

@@ -1,18 +1,9 @@
 #include "../UiFixture.h"
 
-#include "core/shell/AppCore.h"
-#include "core/sources/FlatGroup.h"
-#include "core/sources/Node.h"
-#include "ui/alerts/AlertsView.h"
-#include "ui/shell/MainWindow.h"
-#include "ui/sources/GroupView.h"
 #include "ui/sources/NodeScheduler.h"
 
-#include <QComboBox>
 #include <QScreen>
-#include <QSettings>
 #include <QSplitter>
-#include <QStackedWidget>
 #include <QToolBar>
 
 // Every key of the settings filled with garbage, negative or huge values, as a damaged file or a
@@ -42,30 +33,15 @@ private slots:
     void startsAndBehaves()
     {
         QFETCH(QVariant, garbage);
-        for (const char *key : {"lastView",
-                                "isOnline",
-                                "logErrorsOnly",
-                                "beepOnErrors",
-                                "downloadMissingData",
-                                "timeoutSeconds",
-                                "southernHemisphere",
-                                "MainWindow",
-                                "ActivityLogWindow",
-                                "SunViewSize",
-                                "GraphsViewSize",
-                                "AuroraViewSize",
-                                "EarthViewSize",
-                                "SunViewSplitViewRects",
-                                "GraphsViewSplitViewRects",
-                                "AuroraViewSplitViewRects",
-                                "EarthViewSplitViewRects",
-                                "SDO Expanded",
-                                "SOHO Expanded",
-                                "Sun LastNodeViewed",
-                                "AlertsViewSize",
-                                "lastAlertMenuIndex",
-                                "MoonViewSize",
-                                "toolbar"})
+        QStringList keys = QString("lastView,isOnline,logErrorsOnly,beepOnErrors,"
+                                   "downloadMissingData,timeoutSeconds,southernHemisphere,"
+                                   "MainWindow,ActivityLogWindow,SDO Expanded,SOHO Expanded,"
+                                   "Sun LastNodeViewed,AlertsViewSize,lastAlertMenuIndex,"
+                                   "MoonViewSize,toolbar")
+                               .split(',');
+        for (const QString view : {"Sun", "Graphs", "Aurora", "Earth"})
+            keys << view + "ViewSize" << view + "ViewSplitViewRects";
+        for (const QString &key : keys)
             QSettings().setValue(key, garbage);
         _app = startApplication();
         QMainWindow *window = _app->window();

@@ -2,26 +2,17 @@
 #include "TestHttpServer.h"
 #include "UrlCatcher.h"
 
-#include "core/settings/Preferences.h"
-#include "core/sources/DomainGroup.h"
-#include "core/sources/Node.h"
-#include "core/util/ResourceLocator.h"
 #include "ui/common/FailureLine.h"
 #include "ui/common/NamedImage.h"
 #include "ui/log/ActivityLog.h"
-#include "ui/sources/GroupView.h"
 #include "ui/sources/ImageCanvas.h"
 #include "ui/sources/ImagePane.h"
 #include "ui/sources/ImageWindow.h"
-#include "ui/sources/ScaledImage.h"
 
-#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
-#include <QScreen>
-#include <QSettings>
 #include <QSplitter>
 #include <QTextBrowser>
 #include <QThreadPool>
@@ -32,23 +23,6 @@
 class TestGroupView : public QObject {
     Q_OBJECT
 
-private slots:
-    void init();
-    void cleanup();
-    void restoresItsLayout();
-    void scaling_data();
-    void scaling();
-    void selection_data();
-    void selection();
-    void failedDownloadSaysWhy_data();
-    void failedDownloadSaysWhy();
-    void fileCommands_data();
-    void fileCommands();
-    void saveCopy_data();
-    void saveCopy();
-    void imageWindow();
-
-private:
     std::unique_ptr<GroupView> load()
     {
         auto view = std::make_unique<GroupView>(_group.get(), &_log);
@@ -92,351 +66,254 @@ private:
         const QSize size = shown.deviceIndependentSize().toSize();
         return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
     }
-    static ImageWindow *anyImageWindow()
-    {
-        for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (auto *window = qobject_cast<ImageWindow *>(widget))
-                return window;
-        }
-        return nullptr;
-    }
 
     std::unique_ptr<TestHttpServer> _server;
     std::unique_ptr<DomainGroup> _group;
     ActivityLog _log;
     QString _data;
-};
 
-void TestGroupView::init()
-{
-    TestEnvironment::resetState();
-    _server = std::make_unique<TestHttpServer>();
-    _server->stall("/stall");
-    _data = TestEnvironment::makeFolder("data");
-    const QString folder = TestEnvironment::makeFolder("definitions");
-    const auto entry = [this](const QString &dest, const QString &key = {}, const QString &v = {}) {
-        QVariantMap dict = TestEnvironment::nodeDict(dest, dest, _server->baseUrl(), "stall");
-        dict.insert("DataSource", "https://example.org/" + dest);
-        if (!key.isEmpty())
-            dict.insert(key, v);
-        return dict;
-    };
-    // b.png has a description of one character; d.png an address that cannot be fetched.
-    QVERIFY(TestEnvironment::writePropertyList(
-        folder + "/DataSun.plist",
-        {{"Domain0",
-          QVariantMap{{"DomainName", "Never"},
-                      {"Node0", entry("a.png", "Description", "<p>About <b>a</b> &Aring; Å 𝔄</p>")},
-                      {"Node1", entry("b.png", "Description", "x")}}},
-         {"Domain1", QVariantMap{{"DomainName", "Opened"}, {"Node0", entry("c.txt")}}},
-         {"Domain2", QVariantMap{{"DomainName", "Closed"},
-                                 {"Node0", entry("d.png", "URL", "ftp://127.0.0.1/")}}}}));
-    ResourceLocator::setDefinitionsFolder(folder);
-    _group = std::make_unique<DomainGroup>();
-}
-
-void TestGroupView::cleanup()
-{
-    _group.reset();
-    _server.reset();
-}
-
-void TestGroupView::restoresItsLayout()
-{
-    QSettings().setValue("Opened Expanded", 1);
-    QSettings().setValue("Closed Expanded", 2);
+private slots:
+    void init()
     {
+        TestEnvironment::resetState();
+        _server = std::make_unique<TestHttpServer>();
+        _server->stall("/stall");
+        _data = TestEnvironment::makeFolder("data");
+        const auto entry = [this](const QString &dest, const QString &key = {},
+                                  const QString &value = {}) {
+            QVariantMap dict = TestEnvironment::nodeDict(dest, dest, _server->baseUrl(), "stall");
+            dict.insert("DataSource", "https://example.org/" + dest);
+            if (!key.isEmpty())
+                dict.insert(key, value);
+            return dict;
+        };
+        // b.png has a description of one character; d.png an address that cannot be fetched.
+        const QString a = "<p>About <b>a</b> &Aring; Å 𝔄</p>";
+        TestEnvironment::installDefinitions(
+            "DataSun.plist",
+            {{"Domain0", QVariantMap{{"DomainName", "Never"},
+                                     {"Node0", entry("a.png", "Description", a)},
+                                     {"Node1", entry("b.png", "Description", "x")}}},
+             {"Domain1", QVariantMap{{"DomainName", "Opened"}, {"Node0", entry("c.txt")}}},
+             {"Domain2", QVariantMap{{"DomainName", "Closed"},
+                                     {"Node0", entry("d.png", "URL", "ftp://127.0.0.1/")}}}});
+        _group = std::make_unique<DomainGroup>();
+    }
+    void cleanup()
+    {
+        _group.reset();
+        _server.reset();
+    }
+
+    void restoresItsLayout()
+    {
+        QSettings().setValue("Opened Expanded", 1);
+        QSettings().setValue("Closed Expanded", 2);
+        {
+            auto view = load();
+            view->findChild<QSplitter *>(QString(), Qt::FindDirectChildrenOnly)->setSizes({800, 0});
+            view->saveFrameSize();
+        }
+        _group = std::make_unique<DomainGroup>();
         auto view = load();
-        view->findChild<QSplitter *>(QString(), Qt::FindDirectChildrenOnly)->setSizes({800, 0});
-        view->saveFrameSize();
-    }
-    _group = std::make_unique<DomainGroup>();
-    auto view = load();
-    // The collapsed detail pane comes back collapsed; the domains as they were left.
-    auto *splitter = view->findChild<QSplitter *>(QString(), Qt::FindDirectChildrenOnly);
-    QCOMPARE(splitter->sizes().value(1), 0);
-    auto *tree = view->findChild<QTreeView *>();
-    const auto expanded = [tree](int row) {
-        return tree->isExpanded(tree->model()->index(row, 0));
-    };
-    QCOMPARE((QList<bool>{expanded(0), expanded(1), expanded(2)}),
-             (QList<bool>{true, true, false}));
-    QVERIFY(!QSettings().contains("Never Expanded")); // restoring is not the user's doing
-    // A double click on a domain opens or closes it, and that is remembered.
-    Preferences::shared().setOnline(false);
-    click(view.get(), "Closed", true);
-    click(view.get(), "Opened", true);
-    QCOMPARE((QList<bool>{expanded(1), expanded(2)}), (QList<bool>{false, true}));
-    QCOMPARE(QSettings().value("Opened Expanded").toInt(), 2);
-    QCOMPARE(QSettings().value("Closed Expanded").toInt(), 1);
-    // On a node, it opens the image window if there is data, else nothing.
-    click(view.get(), "a.png", true);
-    QVERIFY(!anyImageWindow());
-    writeImage(path("a.png"), QSize(100, 80));
-    click(view.get(), "a.png", true);
-    QVERIFY(anyImageWindow());
-}
-
-void TestGroupView::scaling_data()
-{
-    QTest::addColumn<QSize>("pixels");
-    QTest::addColumn<QSize>("points");
-    QTest::addColumn<QSize>("dense"); // the pixels decoded for a screen of two pixels per point
-    QTest::newRow("1600 x 1200") << QSize(1600, 1200) << QSize(800, 600) << QSize(1600, 1200);
-    QTest::newRow("900 x 1200") << QSize(900, 1200) << QSize(600, 800) << QSize(900, 1200);
-    QTest::newRow("a tie") << QSize(1000, 1000) << QSize(800, 800) << QSize(1000, 1000);
-    QTest::newRow("801 x 10") << QSize(801, 10) << QSize(800, 9) << QSize(801, 10);
-    QTest::newRow("2000 x 1001") << QSize(2000, 1001) << QSize(800, 400) << QSize(1600, 800);
-    QTest::newRow("never enlarged") << QSize(640, 480) << QSize(640, 480) << QSize(640, 480);
-}
-
-void TestGroupView::scaling()
-{
-    QFETCH(QSize, pixels);
-    QFETCH(QSize, points);
-    QFETCH(QSize, dense);
-    writeImage(path("big.png"), pixels);
-    const QPixmap normal = ScaledImage::fromFile(path("big.png"), 1.0);
-    QCOMPARE(normal.size(), points); // decoded small, not scaled afterwards
-    QCOMPARE(normal.deviceIndependentSize().toSize(), points);
-    QCOMPARE(ScaledImage::fromFile(path("big.png"), 2.0).size(), dense);
-}
-
-void TestGroupView::selection_data()
-{
-    // The clicks, then what the view shows. Whether missing data is fetched at all is the
-    // queue's rule; the view shows what came of it. c.txt downloads, stalled, ahead of a.png.
-    QTest::addColumn<QString>("clicks");  // outline rows; "-" clears the selection
-    QTest::addColumn<QByteArray>("file"); // of a.png: "image", other bytes, or none
-    QTest::addColumn<QString>("setUp");   // "offline", or "queued" (a.png)
-    QTest::addColumn<QString>("picture");
-    QTest::addColumn<QString>("buttons"); // Cancel Reload Zoom, Show File, Schedule…, Reload Group
-    const auto row = [](const char *name, const char *clicks, const QByteArray &file,
-                        const char *setUp, const char *picture, const char *buttons) {
-        QTest::newRow(name) << QString(clicks) << file << QString(setUp) << QString(picture)
-                            << QString(buttons);
-    };
-    row("at start", "", "", "", "SplashSolar", "000000");
-    row("a domain", "a.png Opened", "", "", "SplashSolar", "000001");
-    row("selection lost", "a.png -", "", "", "SplashSolar", "000000");
-    row("data, scaled", "a.png", "image", "", "800x600", "011110");
-    row("data, a download queued", "a.png", "image", "queued", "800x600", "111110");
-    row("not an image", "a.png", "junk", "", "DataNotLoadedSolar", "011110");
-    row("missing, fetched", "a.png", "", "", "DownloadingDataSolar", "110010");
-    row("missing, not fetched", "a.png", "", "offline", "DataNotLoadedSolar", "010010");
-    row("again: not reloaded", "a.png a.png", "image", "", "800x600", "011110");
-    row("another node", "a.png b.png", "", "offline", "DataNotLoadedSolar", "010010");
-    // a.png's picture is still being decoded when b.png is chosen: it must not show up later.
-    row("another, mid-decode", "a.png b.png", "image", "offline", "DataNotLoadedSolar", "010010");
-}
-
-void TestGroupView::selection()
-{
-    QFETCH(QString, clicks);
-    QFETCH(QByteArray, file);
-    QFETCH(QString, setUp);
-    QFETCH(QString, picture);
-    QFETCH(QString, buttons);
-    if (file == "image")
-        writeImage(path("a.png"), QSize(1600, 1200));
-    else if (!file.isEmpty())
-        writeFile(path("a.png"), file);
-    Preferences::shared().setOnline(setUp != "offline");
-    auto view = load();
-    _group->addNodeToDownloadQueue(node("c.txt"));
-    if (setUp == "queued")
-        _group->addNodeToDownloadQueue(node("a.png"));
-    const QStringList clicked = clicks.split(' ', Qt::SkipEmptyParts);
-    for (qsizetype i = 0; i < clicked.size(); ++i) {
-        if (i > 0 && clicked[i] == clicked[i - 1]) {      // selected again: the controls only
-            QThreadPool::globalInstance()->waitForDone(); // the first picture read in full
-            writeImage(path("a.png"), QSize(60, 60));
-            view->outlineShouldSelectItem(node(clicked[i]));
-        } else {
-            click(view.get(), clicked[i]);
-        }
+        // The collapsed detail pane comes back collapsed; the domains as they were left.
+        auto *splitter = view->findChild<QSplitter *>(QString(), Qt::FindDirectChildrenOnly);
+        QCOMPARE(splitter->sizes().value(1), 0);
+        auto *tree = view->findChild<QTreeView *>();
+        const auto expanded = [tree](int row) {
+            return tree->isExpanded(tree->model()->index(row, 0));
+        };
+        QCOMPARE((QList<bool>{expanded(0), expanded(1), expanded(2)}),
+                 (QList<bool>{true, true, false}));
+        QVERIFY(!QSettings().contains("Never Expanded")); // restoring is not the user's doing
+        // A double click on a domain opens or closes it, and that is remembered.
+        click(view.get(), "Closed", true);
+        click(view.get(), "Opened", true);
+        QCOMPARE((QList<bool>{expanded(1), expanded(2)}), (QList<bool>{false, true}));
+        QCOMPARE(QSettings().value("Opened Expanded").toInt(), 2);
+        QCOMPARE(QSettings().value("Closed Expanded").toInt(), 1);
     }
 
-    QThreadPool::globalInstance()->waitForDone(); // large pictures are decoded in the background
-    QTRY_COMPARE(shown(view.get()), picture);
-    QString enabled;
-    for (QString text : {"Cancel", "Reload", "Zoom", "Show File", "Schedule…", "Reload Group"})
-        enabled += button(view.get(), text)->isEnabled() ? '1' : '0';
-    QCOMPARE(enabled, buttons);
-    const QString last = clicked.value(clicked.size() - 1);
-    const QString item = buttons[4] == '1' ? last : QString(); // the node shown
-    QCOMPARE(labelStartingWith(view.get(), item.isEmpty() ? "Please" : item),
-             item.isEmpty() ? "Please select an item from the list." : item + " title");
-    QCOMPARE(labelStartingWith(view.get(), "https:"),
-             item.isEmpty() ? "" : "https://example.org/" + item);
-    QCOMPARE(labelStartingWith(view.get(), "Last Updated"),
-             item.isEmpty() ? "" : "Last Updated: Unknown");
-    // Read as ASCII, lossy, then as HTML: entities survive, other characters do not. A
-    // description of one character is none.
-    QCOMPARE(view->findChild<QTextBrowser *>()->toPlainText(),
-             item == "a.png" ? "About a Å ? ?" : "default page");
-    _group->cancelAllDownloads();
-}
+    void selection_data()
+    {
+        // The clicks, then what the view shows. Whether missing data is fetched at all is the
+        // queue's rule; the view shows what came of it. c.txt downloads, stalled, ahead of a.png.
+        // clicks: outline rows, "-" clears the selection; file: of a.png, "image", other bytes
+        // or none; setUp: "offline", or "queued" (a.png); buttons: Cancel, Reload, Zoom,
+        // Show File, Schedule…, Reload Group.
+        columns<QString, QByteArray, QString, QString, QString>("clicks", "file", "setUp",
+                                                                "picture", "buttons");
+        const auto row = [](const char *name, const char *clicks, const QByteArray &file,
+                            const char *setUp, const char *picture, const char *buttons) {
+            QTest::newRow(name) << QString(clicks) << file << QString(setUp) << QString(picture)
+                                << QString(buttons);
+        };
+        row("at start", "", "", "", "SplashSolar", "000000");
+        row("a domain", "a.png Opened", "", "", "SplashSolar", "000001");
+        row("selection lost", "a.png -", "", "", "SplashSolar", "000000");
+        row("data, scaled", "a.png", "image", "", "800x600", "011110");
+        row("data, a download queued", "a.png", "image", "queued", "800x600", "111110");
+        row("not an image", "a.png", "junk", "", "DataNotLoadedSolar", "011110");
+        row("missing, fetched", "a.png", "", "", "DownloadingDataSolar", "110010");
+        row("missing, not fetched", "a.png", "", "offline", "DataNotLoadedSolar", "010010");
+        row("another node", "a.png b.png", "", "offline", "DataNotLoadedSolar", "010010");
+        // a.png's picture is still being decoded when b.png is chosen: it must not show up later.
+        row("another, mid-decode", "a.png b.png", "image", "offline", "DataNotLoadedSolar",
+            "010010");
+    }
+    void selection()
+    {
+        const QByteArray file = fetch<QByteArray>("file");
+        const QString buttons = fetch<QString>("buttons");
+        if (file == "image")
+            writeImage(path("a.png"), QSize(1600, 1200));
+        else if (!file.isEmpty())
+            QVERIFY(TestEnvironment::writeFile(path("a.png"), file));
+        Preferences::shared().setOnline(fetch<QString>("setUp") != "offline");
+        auto view = load();
+        _group->addNodeToDownloadQueue(node("c.txt"));
+        if (fetch<QString>("setUp") == "queued")
+            _group->addNodeToDownloadQueue(node("a.png"));
+        const QStringList clicked = fetch<QString>("clicks").split(' ', Qt::SkipEmptyParts);
+        for (const QString &name : clicked)
+            click(view.get(), name);
+        QThreadPool::globalInstance()->waitForDone(); // large pictures decode in the background
+        QTRY_COMPARE(shown(view.get()), fetch<QString>("picture"));
+        QCOMPARE(enabledButtons(view.get(), {"Cancel", "Reload", "Zoom", "Show File", "Schedule…",
+                                             "Reload Group"}),
+                 buttons);
+        const QString item = buttons[4] == '1' ? clicked.last() : QString(); // the node shown
+        QCOMPARE(labelStartingWith(view.get(), item.isEmpty() ? "Please" : item),
+                 item.isEmpty() ? "Please select an item from the list." : item + " title");
+        QCOMPARE(labelStartingWith(view.get(), "https:"),
+                 item.isEmpty() ? "" : "https://example.org/" + item);
+        QCOMPARE(labelStartingWith(view.get(), "Last Updated"),
+                 item.isEmpty() ? "" : "Last Updated: Unknown");
+        // Read as ASCII, lossy, then as HTML: entities survive, other characters do not. A
+        // description of one character is none.
+        QCOMPARE(view->findChild<QTextBrowser *>()->toPlainText(),
+                 item == "a.png" ? "About a Å ? ?" : "default page");
+        _group->cancelAllDownloads();
+    }
 
-void TestGroupView::failedDownloadSaysWhy_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("hasData");
-    QTest::newRow("no data: the not-loaded picture") << "a.png" << false;
-    QTest::newRow("the last good picture stays") << "a.png" << true;
-    QTest::newRow("an address that fails at once") << "d.png" << false;
-}
+    void failedDownloadSaysWhy_data()
+    {
+        columns<QString, bool>("name", "hasData");
+        QTest::newRow("no data: the not-loaded picture") << "a.png" << false;
+        QTest::newRow("the last good picture stays") << "a.png" << true;
+        QTest::newRow("an address that fails at once") << "d.png" << false;
+    }
+    void failedDownloadSaysWhy()
+    {
+        const bool hasData = fetch<bool>("hasData");
+        _server->setFailEvery(1);
+        if (hasData)
+            writeImage(path(fetch<QString>("name")), QSize(40, 30));
+        auto view = load();
+        QSignalSpy failed(_group.get(), &NodeGroup::nodeDownloadFailed);
+        click(view.get(), fetch<QString>("name")); // online: missing data is fetched at once
+        if (hasData)
+            button(view.get(), "Reload")->click();
+        QTRY_COMPARE(failed.count(), 1);
+        // The words of the log, without its time stamp.
+        QCOMPARE(view->findChild<FailureLine *>()->text(), failed.first().at(1).toString());
+        QCOMPARE(shown(view.get()), hasData ? "40x30" : "DataNotLoadedSolar");
+        QTest::qWait(100); // showing the failure does not try again
+        QCOMPARE(failed.count(), 1);
+    }
 
-void TestGroupView::failedDownloadSaysWhy()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, hasData);
-    _server->setFailEvery(1);
-    if (hasData)
-        writeImage(path(name), QSize(40, 30));
-    auto view = load();
-    QSignalSpy failed(_group.get(), &NodeGroup::nodeDownloadFailed);
-    click(view.get(), name); // online: missing data is fetched at once
-    if (hasData)
-        button(view.get(), "Reload")->click();
-    QTRY_COMPARE(failed.count(), 1);
-    // The words of the log, without its time stamp.
-    QCOMPARE(view->findChild<FailureLine *>()->text(), failed.first().at(1).toString());
-    QCOMPARE(shown(view.get()), hasData ? "40x30" : "DataNotLoadedSolar");
-    QTest::qWait(100); // showing the failure does not try again
-    QCOMPARE(failed.count(), 1);
-}
-
-void TestGroupView::fileCommands_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("content"); // "image" for a real picture
-    QTest::newRow("a picture") << "a.png" << QByteArray("image");
-    QTest::newRow("a picture that does not read") << "a.png" << QByteArray("junk");
-    QTest::newRow("a text report") << "c.txt" << QByteArray("report");
-}
-
-void TestGroupView::fileCommands()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, content);
-    if (content == "image")
-        writeImage(path(name), QSize(20, 20));
-    else
-        writeFile(path(name), content);
-    auto view = load();
-    click(view.get(), name);
-    // Offered for any downloaded node, acting on pictures only.
-    QCOMPARE(enabledButtons(view.get(), {"Zoom", "Show File"}), (QList<bool>{true, true}));
-    if (content == "junk")
-        QTest::ignoreMessage(QtWarningMsg, "ImageController (a.png): image == nil");
-    UrlCatcher catcher;
-    QDesktopServices::setUrlHandler("file", &catcher, "open");
-    button(view.get(), "Zoom")->click();
-    button(view.get(), "Show File")->click();
-    QDesktopServices::unsetUrlHandler("file");
-    QCOMPARE(anyImageWindow() != nullptr, content == "image");
-    // The test session has no file manager on its bus: the folder is opened instead.
-    const bool picture = name.endsWith(".png");
-    QCOMPARE(catcher.opened, picture ? QList<QUrl>{QUrl::fromLocalFile(_data)} : QList<QUrl>());
-}
-
-void TestGroupView::saveCopy_data()
-{
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QString>("situation");
-    QTest::addColumn<bool>("copied"); // else the file at the chosen path is as it was
-    QTest::addColumn<bool>("alert");
-    const int ok = QDialog::Accepted;
-    QTest::newRow("OK replaces a file") << ok << "" << true << false;
-    QTest::newRow("Cancel") << int(QDialog::Rejected) << "" << false << false;
-    QTest::newRow("onto the data file itself") << ok << "self" << true << false;
-    QTest::newRow("failed copy keeps the old file") << ok << "unreadable" << false << true;
-    QTest::newRow("data gone meanwhile") << ok << "gone" << false << true;
-}
-
-void TestGroupView::saveCopy()
-{
-    QFETCH(int, result);
-    QFETCH(QString, situation);
-    QFETCH(bool, copied);
-    QFETCH(bool, alert);
-    const QString data = path("a.png");
-    writeImage(data, QSize(20, 20));
-    auto view = load();
-    click(view.get(), "a.png");
-    view->saveNodeImage();
-    auto *panel = view->findChild<QFileDialog *>();
-    QCOMPARE(panel->windowModality(), Qt::WindowModal);
-    // It proposes the data file's name in the home folder.
-    QCOMPARE(panel->selectedFiles(), QStringList{QDir::home().filePath("a.png")});
-    const QString target =
-        situation == "self" ? data : TestEnvironment::makeFolder("copies") + "/a.png";
-    if (target != data)
-        writeFile(target, "old");
-    if (situation == "unreadable" || situation == "gone")
-        QFile::remove(data);
-    if (situation == "unreadable")
-        QVERIFY(QDir().mkdir(data)); // there, but no file to read
-    panel->selectFile(target);
-    static_cast<QDialog *>(panel)->done(result); // as the user's choice of that file
-    // The copy runs in the background: a failure shows when it has ended.
-    QTRY_COMPARE(view->findChild<QMessageBox *>() != nullptr, alert);
-    QTRY_COMPARE(QImage(target).size() == QSize(20, 20), copied);
-    QFile kept(target);
-    QVERIFY(kept.open(QIODevice::ReadOnly));
-    QCOMPARE(kept.readAll() != "old", copied);
-}
-
-void TestGroupView::imageWindow()
-{
-    writeImage(path("a.png"), QSize(400, 300)); // leaves room for the largest size on the screen
-    auto view = load();
-    click(view.get(), "a.png");
-    button(view.get(), "Zoom")->click();
-    ImageWindow *window = anyImageWindow();
-    QVERIFY(window && window->isVisible());
-    QCOMPARE(window->windowTitle(), "a.png");
-    QCOMPARE((QList<QSize>{window->size(), window->minimumSize(), window->maximumSize()}),
-             (QList<QSize>{{400, 300}, {100, 75}, {600, 450}}));
-    // The zoom steps of its context menu size the whole frame, within the limits.
-    const auto step = [window](const QString &command, int times = 1) {
-        for (QAction *action : window->actions()) {
-            for (int i = 0; action->text() == command && i < times; ++i)
-                action->trigger();
+    void fileCommands()
+    {
+        // Offered for any downloaded node: Zoom opens a window for a picture that reads, Show File
+        // the folder of any picture (the test session has no file manager on its bus).
+        writeImage(path("a.png"), QSize(20, 20));
+        QVERIFY(TestEnvironment::writeFile(path("b.png"), "junk"));
+        QVERIFY(TestEnvironment::writeFile(path("c.txt"), "report"));
+        auto view = load();
+        UrlCatcher catcher;
+        QDesktopServices::setUrlHandler("file", &catcher, "open");
+        QTest::ignoreMessage(QtWarningMsg, "ImageController (b.png): image == nil");
+        for (const char *name : {"a.png", "b.png", "c.txt"}) {
+            click(view.get(), name);
+            QCOMPARE(enabledButtons(view.get(), {"Zoom", "Show File"}), "11");
+            button(view.get(), "Zoom")->click();
+            button(view.get(), "Show File")->click();
         }
-        return window->frameGeometry().size();
-    };
-    QCOMPARE(step("Larger"), QSize(440, 330));
-    QCOMPARE(step("Larger", 5), QSize(600, 450));
-    window->move(0, 0);
-    QCOMPARE(step("Default Size"), QSize(400, 300));
-    const QPoint off =
-        window->frameGeometry().center() - window->screen()->availableGeometry().center();
-    QVERIFY(qAbs(off.x()) <= 1 && qAbs(off.y()) <= 1); // and centred
+        QDesktopServices::unsetUrlHandler("file");
+        QCOMPARE(topLevels<ImageWindow>().size(), 1);
+        QCOMPARE(catcher.opened, QList<QUrl>(2, QUrl::fromLocalFile(_data)));
+    }
 
-    // Closed, it is hidden; a finished download refreshes it without showing it, whether its
-    // node is selected or not; Zoom shows the same window where it was.
-    window->move(33, 44);
-    window->close();
-    const auto picture = [window] { return window->imageView()->pixmap().deviceIndependentSize(); };
-    writeImage(path("a.png"), QSize(200, 100));
-    emit _group->nodeDataLoaded(node("a.png"));
-    QCOMPARE(picture(), QSizeF(200, 100));
-    Preferences::shared().setOnline(false);
-    click(view.get(), "b.png");
-    writeImage(path("a.png"), QSize(100, 80));
-    emit _group->nodeDataLoaded(node("a.png"));
-    QCOMPARE(picture(), QSizeF(100, 80));
-    QVERIFY(!window->isVisible());
-    click(view.get(), "a.png");
-    button(view.get(), "Zoom")->click();
-    QCOMPARE(anyImageWindow(), window);
-    QVERIFY(window->isVisible());
-    QCOMPARE(window->pos(), QPoint(33, 44));
-    view->cleanup(); // at quit the windows end
-    QVERIFY(!anyImageWindow());
-}
+    void saveCopy_data()
+    {
+        // situation: "self" saves onto the data file itself; "unreadable" and "gone" take the
+        // data file away. copied: else the file at the chosen path is as it was.
+        columns<int, QString, bool, bool>("result", "situation", "copied", "alert");
+        const int ok = QDialog::Accepted;
+        QTest::newRow("OK replaces a file") << ok << "" << true << false;
+        QTest::newRow("Cancel") << int(QDialog::Rejected) << "" << false << false;
+        QTest::newRow("onto the data file itself") << ok << "self" << true << false;
+        QTest::newRow("failed copy keeps the old file") << ok << "unreadable" << false << true;
+        QTest::newRow("data gone meanwhile") << ok << "gone" << false << true;
+    }
+    void saveCopy()
+    {
+        const QString situation = fetch<QString>("situation");
+        const bool copied = fetch<bool>("copied");
+        const QString data = path("a.png");
+        writeImage(data, QSize(20, 20));
+        auto view = load();
+        click(view.get(), "a.png");
+        view->saveNodeImage();
+        auto *panel = view->findChild<QFileDialog *>();
+        // It proposes the data file's name in the home folder.
+        QCOMPARE(panel->selectedFiles(), QStringList{QDir::home().filePath("a.png")});
+        const QString target =
+            situation == "self" ? data : TestEnvironment::makeFolder("copies") + "/a.png";
+        if (target != data)
+            QVERIFY(TestEnvironment::writeFile(target, "old"));
+        if (situation == "unreadable" || situation == "gone")
+            QFile::remove(data);
+        if (situation == "unreadable")
+            QVERIFY(QDir().mkdir(data)); // there, but no file to read
+        panel->selectFile(target);
+        static_cast<QDialog *>(panel)->done(fetch<int>("result")); // the user's choice
+        // The copy runs in the background: a failure shows when it has ended.
+        QTRY_COMPARE(view->findChild<QMessageBox *>() != nullptr, fetch<bool>("alert"));
+        QTRY_COMPARE(QImage(target).size() == QSize(20, 20), copied);
+        QCOMPARE(TestEnvironment::readFile(target) != "old", copied);
+    }
+
+    void imageWindow()
+    {
+        writeImage(path("a.png"), QSize(400, 300)); // room for the largest size on the screen
+        auto view = load();
+        click(view.get(), "a.png");
+        button(view.get(), "Zoom")->click();
+        ImageWindow *window = topLevels<ImageWindow>().value(0);
+        QVERIFY(window && window->isVisible());
+        QCOMPARE(window->windowTitle(), "a.png");
+        QCOMPARE((QList<QSize>{window->size(), window->minimumSize(), window->maximumSize()}),
+                 (QList<QSize>{{400, 300}, {100, 75}, {600, 450}}));
+
+        // Closed, it is hidden; a finished download refreshes it without showing it, also when
+        // another node is selected; Zoom shows the same window where it was.
+        window->move(33, 44);
+        window->close();
+        Preferences::shared().setOnline(false);
+        click(view.get(), "b.png");
+        writeImage(path("a.png"), QSize(100, 80));
+        emit _group->nodeDataLoaded(node("a.png"));
+        QCOMPARE(window->imageView()->pixmap().deviceIndependentSize(), QSizeF(100, 80));
+        QVERIFY(!window->isVisible());
+        click(view.get(), "a.png");
+        button(view.get(), "Zoom")->click();
+        QCOMPARE(topLevels<ImageWindow>(), QList<ImageWindow *>{window});
+        QVERIFY(window->isVisible() && window->pos() == QPoint(33, 44));
+        view->cleanup(); // at quit the windows end
+        QVERIFY(topLevels<ImageWindow>().isEmpty());
+    }
+};
 
 VANTOREL_TEST_MAIN(TestGroupView)
 #include "test_groupview.moc"

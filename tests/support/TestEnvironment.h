@@ -1,10 +1,14 @@
 #pragma once
 
 #include <QDateTime>
+#include <QDir>
 #include <QProcessEnvironment>
+#include <QSettings>
 #include <QString>
-#include <QTest>
 #include <QVariantMap>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
 
 // Every test program runs in a home of its own: HOME and the XDG folders point into a temporary
 // directory made before the application object exists, so settings, data and configuration never
@@ -42,6 +46,10 @@ public:
     // if given on the command line; returns the file's path.
     static QString installDefinitions(const QString &fileName, const QVariantMap &root,
                                       bool binary = false);
+    // Definition files for every data group, in a new folder read first: `count` nodes each,
+    // named after the group and numbered ("Sun0"), with data files "Sun0.bin" fetched from
+    // url + source. Returns the data file names in view order.
+    static QStringList installGroups(int count, const QString &url, const QString &source);
     // A node definition with the keys every node needs, and the file type that its file name
     // suggests: 0 (a picture) for a picture's extension, otherwise 1 (a text report).
     static QVariantMap nodeDict(const QString &dest, const QString &name = {},

@@ -6,11 +6,8 @@
 #include "core/sources/Node.h"
 #include "core/sources/NodeGroup.h"
 #include "core/util/Clock.h"
-#include "core/util/ResourceLocator.h"
 
 #include <QDeadlineTimer>
-#include <QSettings>
-#include <QtTest>
 
 constexpr qint64 kTick = 5; // seconds between scheduler ticks
 
@@ -32,34 +29,17 @@ private slots:
         const int rates[] = {0, 1, 2, 3, 3, 4, 4, 5, 6, 7, 3, 2, 4, 5, 5, 6, 6,
                              7, 7, 3, 1, 4, 3, 4, 5, 6, 7, 2, 3, 4, 3, 5, 4, 4,
                              5, 6, 6, 7, 2, 3, 7, 2, 3, 4, 5, 5, 6, 7, 3, 4};
-        const QString definitions = TestEnvironment::makeFolder(QStringLiteral("definitions"));
+        const QStringList files = TestEnvironment::installGroups(10, server.baseUrl(), u"item"_s);
         QSettings settings;
-        int index = 0;
-        const QStringList groups{"Sun", "Graphs", "Aurora", "Earth", "Alerts"};
-        for (const QString &group : groups) {
-            QVariantMap nodes;
-            for (int i = 0; i < 10; ++i, ++index) {
-                const QString dest = QStringLiteral("%1-%2.bin").arg(group).arg(i);
-                nodes.insert(QStringLiteral("Node%1").arg(i),
-                             TestEnvironment::nodeDict(dest, dest, server.baseUrl(),
-                                                       QStringLiteral("item")));
-                settings.setValue(Node::autoUpdateKey(dest), 1);
-                settings.setValue(Node::autoUpdateRateKey(dest), rates[index]);
-            }
-            QVariantMap root = nodes;
-            if (group != QLatin1String("Alerts")) {
-                nodes.insert(QStringLiteral("DomainName"), group);
-                root = {{QStringLiteral("Domain0"), nodes}};
-            }
-            QVERIFY(TestEnvironment::writePropertyList(
-                definitions + QStringLiteral("/Data%1.plist").arg(group), root));
+        for (int i = 0; i < files.size(); ++i) {
+            settings.setValue(Node::autoUpdateKey(files[i]), 1);
+            settings.setValue(Node::autoUpdateRateKey(files[i]), rates[i]);
         }
-        ResourceLocator::setDefinitionsFolder(definitions);
 
         const QDateTime start(QDate(2026, 3, 2), QTime(0, 0));
         TestEnvironment::setNow(start);
         AppCore core;
-        core.setDataFolderOverride(TestEnvironment::makeFolder(QStringLiteral("data")));
+        core.setDataFolderOverride(TestEnvironment::makeFolder(u"data"_s));
         core.prepareDataFolder();
         core.loadAllGroups();
         RecordingLog log;
@@ -97,8 +77,7 @@ private slots:
             QDeadlineTimer deadline(30000);
             while (!queuesEmpty() && !deadline.hasExpired())
                 QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-            QVERIFY2(queuesEmpty(),
-                     qPrintable(QStringLiteral("queues still busy at %1").arg(now.toString())));
+            QVERIFY2(queuesEmpty(), qPrintable(u"queues still busy at %1"_s.arg(now.toString())));
             if (dayOneResident < 0 && now >= start.addDays(1))
                 dayOneResident = TestEnvironment::processKilobytes("VmRSS");
 
@@ -126,10 +105,9 @@ private slots:
             QCOMPARE(qint64(times.size()), start.secsTo(end) / interval);
             transfers += int(times.size());
         }
-        const int failures = int(log.entries.filter(QStringLiteral("error:")).size());
-        qInfo("%d ticks that mattered, %d transfers, %d failed; resident %lld kB after a day, %lld "
-              "kB "
-              "after a week",
+        const int failures = int(log.entries.filter(u"error:"_s).size());
+        qInfo("%d ticks that mattered, %d transfers, %d failed; resident %lld kB after a day, "
+              "%lld kB after a week",
               ticks, transfers, failures, dayOneResident, weekResident);
         QCOMPARE(failures, server.totalRequests() / 10);
         QVERIFY(failures > 0);

@@ -1,0 +1,426 @@
+#include "TestEnvironment.h"
+
+#include "core/moon/MoonCalc.h"
+#include "core/moon/MoonDateState.h"
+#include "core/moon/MoonPhaseNames.h"
+#include "core/moon/MoonText.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+#include <ctime>
+
+namespace {
+const QDateTime kNow(QDate(2024, 3, 15), QTime(15, 42), QTimeZone::utc());
+void useTimeZone(const char *zone)
+{
+    qputenv("TZ", zone);
+    tzset();
+}
+QDateTime utc(int y, int mo, int d, int h = 0, int mi = 0, int s = 0)
+{
+    return QDateTime(QDate(y, mo, d), QTime(h, mi, s), QTimeZone::utc());
+}
+// As the local clock reads it: universal time, unless a test says otherwise.
+QDateTime local(const QString &text)
+{
+    return QDateTime::fromString(text, Qt::ISODate);
+}
+const QString kMinutes = u"yyyy-MM-dd HH:mm"_s;
+// A Julian date as the universal-time clock reads it, to the minute.
+QString minutes(double jd)
+{
+    return MoonCalc::calendarDateForJulianDate(jd).toString(kMinutes);
+}
+} // namespace
+
+// The Moon: the ephemeris against worked values, the phase dates around the date described, the
+// texts of the view and "vantorel moon", and the page's live mode and chosen dates.
+class TestMoon : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+
+    void init()
+    {
+        useTimeZone("UTC"); // the worked values assume local time equals universal time
+        TestEnvironment::resetState();
+        TestEnvironment::setNow(kNow);
+    }
+
+    // Phase, octant, age of phase, age, its days, hours and minutes, then (the same in both
+    // hemispheres) illumination in percent, distance, angular diameter, the Sun's distance and
+    // angular diameter; each to the digits given.
+    void worked2008_data()
+    {
+        columns<bool, QStringList>("southern", "expected");
+        const QStringList both{"43.65", "402126.49", "0.495262", "147100098", "0.542183"};
+        QTest::newRow("northern") << false
+                                  << QStringList{"0.770257", "6",  "45", "22.746157",
+                                                 "22",       "17", "54"} +
+                                         both;
+        QTest::newRow("southern") << true
+                                  << QStringList{"0.229743", "2",  "15", "6.784432",
+                                                 "6",        "18", "49"} +
+                                         both;
+    }
+
+    void worked2008()
+    {
+        QFETCH(QStringList, expected);
+        MoonCalc calc;
+        calc.setDisplayForSouthernHemisphere(fetch<bool>("southern"));
+        calc.setDate(utc(2008, 1, 1));
+        QCOMPARE(calc.julianDateGMT(), 2454466.5);
+        QCOMPARE(MoonCalc::calendarDateForJulianDate(2451545.0).toUTC(), utc(2000, 1, 1, 12));
+        const double values[] = {calc.moonPhaseAsDouble(),      double(calc.moonPhaseAsInteger()),
+                                 double(calc.moonAgeOfPhase()), calc.moonAge(),
+                                 double(calc.moonAgeDays()),    double(calc.moonAgeHours()),
+                                 double(calc.moonAgeMinutes()), 100.0 * calc.moonIllumination(),
+                                 calc.moonDistanceKilometers(), calc.moonAngularDiameter(),
+                                 calc.solDistanceKilometers(),  calc.solAngularDiameter()};
+        QStringList actual;
+        for (qsizetype i = 0; i < expected.size(); ++i) {
+            const qsizetype point = expected[i].indexOf(QLatin1Char('.'));
+            actual << QString::number(values[i], 'f',
+                                      point < 0 ? 0 : int(expected[i].size() - point - 1));
+        }
+        QCOMPARE(actual, expected);
+    }
+
+    // The lunation found for a date, as its phases by the universal-time clock ("*": unchecked).
+    void workedLunations_data()
+    {
+        columns<QDateTime, double, QStringList>("date", "k", "phases");
+        QTest::newRow("2008-01-01")
+            << utc(2008, 1, 1) << 1335.0
+            << QStringList{"2007-12-09 17:41", "2007-12-17 10:17", "2007-12-24 01:16",
+                           "2007-12-31 07:51", "2008-01-08 11:37", "2008-01-30 05:03"};
+        QTest::newRow("the first of a month, hours before a new moon")
+            << utc(2008, 8, 1) << 1342.0
+            << QStringList{"2008-07-03 02:20", "*", "*", "*", "2008-08-01 10:13", "*"};
+    }
+
+    void workedLunations()
+    {
+        QFETCH(QStringList, phases);
+        MoonCalc calc;
+        calc.setDate(fetch<QDateTime>("date"));
+        QCOMPARE(calc.currentPhases()[0], MoonCalc::getTruePhase(fetch<double>("k"), 0.0));
+        for (int i = 0; i < 6; ++i) {
+            if (phases[i] != QLatin1String("*"))
+                QCOMPARE(minutes(calc.currentPhases()[i]), phases[i]);
+        }
+        QCOMPARE(calc.lastNewMoon().toUTC().toString(kMinutes), phases[0]);
+        QCOMPARE(calc.nextNewMoon().toUTC().toString(kMinutes), phases[4]);
+    }
+
+    // Each edge of the eight octants from both sides, and the phase in twentieths (-1: not
+    // checked); a phase out of range counts as new.
+    void octants_data()
+    {
+        columns<double, int, int>("phase", "octant", "twentieth");
+        const struct {
+            double phase;
+            int octant, twentieth;
+        } rows[] = {{0.0249, 0, 0},  {0.025, 1, 1},  {0.2249, 1, -1}, {0.225, 2, -1},
+                    {0.7349, 5, -1}, {0.735, 6, -1}, {0.77, 6, 15},   {0.9749, 7, -1},
+                    {0.975, 0, -1},  {1.0, 0, 20},   {-0.1, 0, -1},   {std::nan(""), 0, -1}};
+        for (const auto &row : rows)
+            QTest::addRow("%g", row.phase) << row.phase << row.octant << row.twentieth;
+    }
+
+    void octants()
+    {
+        QFETCH(double, phase);
+        QFETCH(int, twentieth);
+        QCOMPARE(MoonCalc::getMoonPhaseAsInteger(phase), fetch<int>("octant"));
+        if (twentieth >= 0)
+            QCOMPARE(MoonCalc::getPreciseMoonPhaseAsInteger(phase), twentieth);
+    }
+
+    // On a full moon's Julian day (universal time) the next full moon is the following one, and
+    // the last is that day's own only from the next Julian day on: a blue moon, as the months
+    // agree. Five hours behind, a full moon between 12:00 and 17:00 universal time lies on the
+    // local clock's Julian day before; the universal scale decides.
+    void fullMoonDay_data()
+    {
+        columns<QByteArray, QDateTime, bool>("zone", "date", "lastIsToday");
+        QTest::newRow("same Julian day") << QByteArray("UTC") << utc(2007, 12, 24, 6) << false;
+        QTest::newRow("next Julian day") << QByteArray("UTC") << utc(2007, 12, 24, 13) << true;
+        QTest::newRow("five hours behind")
+            << QByteArray("Etc/GMT+5") << utc(2008, 1, 22, 13, 35, 7) << false;
+    }
+
+    void fullMoonDay()
+    {
+        useTimeZone(fetch<QByteArray>("zone").constData());
+        MoonCalc calc;
+        calc.setDate(fetch<QDateTime>("date").toTimeZone(MoonCalc::defaultTimeZone()));
+        QCOMPARE(calc.moonPhaseAsInteger(), 4);
+        if (fetch<QByteArray>("zone") != "UTC")
+            QVERIFY(std::floor(calc.julianDate()) < std::floor(calc.julianDateGMT()));
+        QVERIFY(calc.nextFullMoon() > calc.date().addDays(25));
+        QVERIFY(std::abs(calc.date().secsTo(calc.currentFullMoon())) < 86400);
+        if (fetch<bool>("lastIsToday"))
+            QCOMPARE(calc.lastFullMoon(), calc.currentFullMoon());
+        else
+            QVERIFY(calc.lastFullMoon() < calc.date().addDays(-25));
+        QCOMPARE(calc.isBlueMoon(), fetch<bool>("lastIsToday"));
+    }
+
+    // Over thousands of dates in zones on both sides of Greenwich: every "last" phase lies before
+    // the date and every "next" one after it, each within one lunation, so it is the nearest one;
+    // the current lunation is the one after the previous.
+    void phaseDatesBracketTheDate_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        for (const char *zone : {"UTC", "Etc/GMT+11", "Etc/GMT-14"})
+            QTest::newRow(zone) << QByteArray(zone);
+    }
+
+    void phaseDatesBracketTheDate()
+    {
+        useTimeZone(fetch<QByteArray>("zone").constData());
+        using Getter = QDateTime (MoonCalc::*)() const;
+        const Getter lasts[] = {&MoonCalc::lastNewMoon, &MoonCalc::lastFirstQuarter,
+                                &MoonCalc::lastFullMoon, &MoonCalc::lastLastQuarter};
+        const Getter nexts[] = {&MoonCalc::upcomingNewMoon, &MoonCalc::nextFirstQuarter,
+                                &MoonCalc::nextFullMoon, &MoonCalc::nextLastQuarter};
+        // A lunation lasts up to about 29.8 days, and a phase on the date's own Julian day is
+        // skipped.
+        const qint64 month = qint64(31 * 86400);
+        MoonCalc calc;
+        QDateTime date(QDate(1995, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone());
+        // Every 7 h 13 min 17 s, so that each hour of the day is visited: 6000 dates over 5 years.
+        for (int i = 0; i < 6000; ++i, date = date.addSecs(7 * 3600 + 13 * 60 + 17)) {
+            calc.setDate(date);
+            for (int j = 0; j < 4; ++j) {
+                const QDateTime last = (calc.*lasts[j])();
+                const QDateTime next = (calc.*nexts[j])();
+                if (last > date || last.secsTo(date) > month || next <= date ||
+                    date.secsTo(next) > month)
+                    QFAIL(qPrintable(date.toString(Qt::ISODate) + ": " +
+                                     last.toString(Qt::ISODate) + ", " +
+                                     next.toString(Qt::ISODate)));
+            }
+            if (calc.nextNewMoon() > date)
+                QCOMPARE(calc.upcomingNewMoon(), calc.nextNewMoon());
+            QCOMPARE(calc.previousPhases()[4], calc.currentPhases()[0]);
+        }
+    }
+
+    void ageText_data()
+    {
+        columns<int, int, int, QString>("days", "hours", "minutes", "text");
+        QTest::newRow("all plural") << 22 << 17 << 54 << "22 days, 17 hours, 54 minutes";
+        QTest::newRow("singulars, zero hours") << 1 << 0 << 1 << "1 day, 0 hours, 1 minute";
+        QTest::newRow("no days") << 0 << 4 << 48 << "4 hours, 48 minutes";
+        QTest::newRow("no minutes keeps the comma") << 5 << 3 << 0 << "5 days, 3 hours, ";
+        QTest::newRow("negatives add nothing") << -1 << -1 << -1 << "";
+    }
+
+    void ageText()
+    {
+        QCOMPARE(MoonText::formatAgeString(fetch<int>("days"), fetch<int>("hours"),
+                                           fetch<int>("minutes")),
+                 fetch<QString>("text"));
+    }
+
+    void distance_data()
+    {
+        columns<QLocale, double, QString>("locale", "kilometres", "text");
+        const QLocale english(QLocale::English, QLocale::UnitedStates);
+        const QLocale german(QLocale::German, QLocale::Germany);
+        QTest::newRow("C locale still groups") << QLocale::c() << 402126.4922 << "402,126.49";
+        QTest::newRow("below one has no integer digit") << english << 0.5 << ".50";
+        QTest::newRow("negative in parentheses") << english << -1234.5 << "(1,234.50)";
+        QTest::newRow("small negative keeps its zero") << german << -0.25 << "(0,25)";
+    }
+
+    void distance()
+    {
+        QCOMPARE(MoonText::formatDistance(fetch<double>("kilometres"), fetch<QLocale>("locale")),
+                 fetch<QString>("text"));
+    }
+
+    // Every line for the worked date; only the distance follows the locale, and a waning Moon has
+    // the same name seen from the south, where only its picture is mirrored.
+    void workedDateLines()
+    {
+        MoonCalc calc;
+        calc.setDate(QDateTime(QDate(2008, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone()));
+        const QStringList lines = MoonText::lines(calc);
+        QCOMPARE(lines.mid(0, 5) + lines.mid(6),
+                 QStringList({"Moon Phase for January 01, 2008 12:00 AM", "Phase Percent: 77.03%",
+                              "Illumination: 43.65%", "Distance: 402,126.49 km",
+                              "Age: 22 days, 17 hours, 54 minutes",
+                              "Next New Moon: January 08, 2008 11:37 AM"}));
+        QVERIFY2(lines.at(5).startsWith("Next Full Moon: January 22, 2008 "),
+                 qPrintable(lines.at(5)));
+        QStringList german = lines;
+        german[3] = u"Distance: 402.126,49 km"_s;
+        QCOMPARE(MoonText::lines(calc, QLocale(QLocale::German, QLocale::Germany)), german);
+
+        const QStringList names = MoonPhaseNames::loadFromResources().value_or(QStringList());
+        QCOMPARE(names.size(), 8);
+        QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
+        calc.setDisplayForSouthernHemisphere(true);
+        QCOMPARE(calc.moonPhaseAsInteger(), 2);
+        QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
+    }
+
+    void percentagesAlwaysHaveTwoDecimals()
+    {
+        const QRegularExpression percent(u"^(Phase Percent|Illumination): \\d{1,3}\\.\\d\\d%$"_s);
+        const QRegularExpression age(u"^Age: (\\d+ days?, )?\\d+ hours?, (\\d+ minutes?)?$"_s);
+        MoonCalc calc;
+        QDateTime date(QDate(2023, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone());
+        bool sawSmallIllumination = false;
+        for (int i = 0; i < 400; ++i, date = date.addSecs(23 * 3600 + 7 * 60)) {
+            calc.setDate(date);
+            const QStringList lines = MoonText::lines(calc, QLocale(QLocale::German));
+            for (const QString &line : {lines.at(1), lines.at(2), lines.at(4)})
+                QVERIFY2((line.startsWith("Age") ? age : percent).match(line).hasMatch(),
+                         qPrintable(line));
+            sawSmallIllumination |= lines.at(2).startsWith(QLatin1String("Illumination: 0."));
+        }
+        QVERIFY(sawSmallIllumination);
+    }
+
+    // A damaged names file gives no names; a missing name leaves its place empty.
+    void phaseNamesFile_data()
+    {
+        columns<QVariant, QStringList>("root", "names");
+        QVariantMap seven;
+        for (const int i : {0, 1, 2, 4, 5, 6, 7})
+            seven.insert(QString::number(i), QString::number(i));
+        QTest::newRow("missing file") << QVariant() << QStringList{"none"};
+        QTest::newRow("not a property list") << QVariant("New, Full") << QStringList{"none"};
+        QTest::newRow("one name missing") << QVariant(QVariantMap{{"PhaseNames", seven}})
+                                          << QStringList{"0", "1", "2", "", "4", "5", "6", "7"};
+    }
+
+    void phaseNamesFile()
+    {
+        const QString path = TestEnvironment::makeFolder("names") + "/PhaseNames.plist";
+        const QVariant root = fetch<QVariant>("root");
+        if (root.typeId() == QMetaType::QVariantMap)
+            QVERIFY(TestEnvironment::writePropertyList(path, root.toMap(), true));
+        else if (root.isValid())
+            QVERIFY(TestEnvironment::writeFile(path, root.toByteArray()));
+        QCOMPARE(MoonPhaseNames::load(path).value_or(QStringList{"none"}),
+                 fetch<QStringList>("names"));
+    }
+
+    // Commands in turn, a minute apart: "+" and "-" step a day, "T" is Today, "tick" the live
+    // timer, "~" lets a day pass, and a date is chosen as such. After each the page shows "live"
+    // (the present moment), "kept" (live, the date as it was) or the date given.
+    void commands_data()
+    {
+        columns<QStringList, QStringList>("commands", "shown");
+        const auto row = [](const char *name, const QStringList &commands,
+                            const QStringList &shown) { QTest::newRow(name) << commands << shown; };
+        row("a day on and back: live", {"+", "-"}, {"2024-03-16T00:00", "live"});
+        row("two days back, then Today", {"-", "-", "T"},
+            {"2024-03-14T00:00", "2024-03-13T00:00", "live"});
+        row("into and out of a leap day", {"2024-02-28T23:59", "+", "+"},
+            {"2024-02-28T23:59", "2024-02-29T00:00", "2024-03-01T00:00"});
+        row("back to the old year", {"2024-01-01T06:00", "-"},
+            {"2024-01-01T06:00", "2023-12-31T00:00"});
+        row("a date on today is live", {"2025-03-16T00:00", "2024-03-15T03:00", "2024-03-15T03:00"},
+            {"2025-03-16T00:00", "live", "kept"});
+        row("the timer moves only a live page", {"tick", "+", "tick", "~", "tick"},
+            {"live", "2024-03-16T00:00", "2024-03-16T00:00", "2024-03-16T00:00",
+             "2024-03-16T00:00"});
+    }
+
+    void commands()
+    {
+        MoonDateState state;
+        const QStringList commands = fetch<QStringList>("commands");
+        const QStringList shown = fetch<QStringList>("shown");
+        for (qsizetype i = 0; i < commands.size(); ++i) {
+            TestEnvironment::advance(commands[i] == QLatin1String("~") ? 86400 : 60);
+            const bool live = shown[i] == QLatin1String("live");
+            const bool kept = shown[i] == QLatin1String("kept");
+            const QDateTime before = state.moonCalc().date();
+            if (commands[i] == QLatin1String("+"))
+                state.setDateAddOneDay();
+            else if (commands[i] == QLatin1String("-"))
+                state.setDateSubtractOneDay();
+            else if (commands[i] == QLatin1String("T"))
+                state.setDateToToday();
+            else if (commands[i] == QLatin1String("tick"))
+                QCOMPARE(state.updateMoonDate(), live);
+            else if (commands[i] != QLatin1String("~"))
+                state.checkSetDateToToday(local(commands[i]));
+            QCOMPARE(state.customDate(), !live && !kept);
+            QCOMPARE(state.moonCalc().date(), live   ? MoonDateState::presentMoment()
+                                              : kept ? before
+                                                     : local(shown[i]));
+        }
+    }
+
+    // The same year and day of the year, in the date's own zone.
+    void isToday_data()
+    {
+        columns<QDateTime, bool>("date", "today");
+        QTest::newRow("last second") << local("2024-03-15T23:59:59") << true;
+        QTest::newRow("tomorrow") << local("2024-03-16T00:00") << false;
+        // 2023 has no 29 February: day 75 of 2023 is the 16th, of 2024 the 15th.
+        QTest::newRow("same day of the year, a year back") << local("2023-03-16T00:00") << false;
+        QTest::newRow("same calendar day, a year on") << local("2025-03-15T00:00") << false;
+        // In Tokyo it is already the 16th at 15:42 universal time.
+        QTest::newRow("read in the date's own zone")
+            << QDateTime(QDate(2024, 3, 16), QTime(1, 0), QTimeZone("Asia/Tokyo")) << true;
+    }
+
+    void isToday()
+    {
+        QCOMPARE(MoonDateState::isToday(fetch<QDateTime>("date"), kNow), fetch<bool>("today"));
+    }
+
+    // In live mode, a next-full-moon command whose result falls on today changes nothing: the
+    // full moon of 2008-01-22 13:35 is on the next Julian day after that morning's.
+    void nextFullMoonToday()
+    {
+        TestEnvironment::setNow(utc(2008, 1, 22, 8));
+        MoonDateState state;
+        QCOMPARE(state.moonCalc().nextFullMoon().date(), QDate(2008, 1, 22));
+        state.setDateToNextFullMoon();
+        QVERIFY(!state.customDate());
+        QCOMPARE(state.moonCalc().date(), utc(2008, 1, 22, 8));
+    }
+
+    // From a full or new moon the command reaches the following one, also where the true new moon
+    // comes before its mean time and the calculator's own "next" is the date itself; the
+    // hemisphere chosen stays.
+    void nextPhaseCommands()
+    {
+        int earlyNewMoons = 0;
+        for (const int octant : {0, 4}) {
+            MoonDateState state;
+            state.setHemisphere(octant == 4);
+            state.checkSetDateToToday(local("2008-01-01T00:00"));
+            for (int i = 0; i < 40; ++i) {
+                const QDateTime before = state.moonCalc().date();
+                octant ? state.setDateToNextFullMoon() : state.setDateToNextNewMoon();
+                const QDateTime after = state.moonCalc().date();
+                QCOMPARE(state.moonCalc().moonPhaseAsInteger(), octant);
+                QVERIFY(state.customDate());
+                QCOMPARE(state.moonCalc().displayForSouthernHemisphere(), octant == 4);
+                const double days = before.secsTo(after) / 86400.0;
+                QVERIFY2(i == 0 || (days > 29.2 && days < 29.9),
+                         qPrintable(before.toString(Qt::ISODate) + " to " +
+                                    after.toString(Qt::ISODate)));
+                earlyNewMoons += !octant && state.moonCalc().nextNewMoon() <= after;
+            }
+        }
+        QVERIFY(earlyNewMoons > 5); // the case that needs the correction did come up
+    }
+};
+
+VANTOREL_TEST_CORE_MAIN(TestMoon)
+#include "test_moon.moc"

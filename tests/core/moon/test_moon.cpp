@@ -26,12 +26,7 @@ QDateTime local(const QString &text)
 {
     return QDateTime::fromString(text, Qt::ISODate);
 }
-const QString kMinutes = u"yyyy-MM-dd HH:mm"_s;
-// A Julian date as the universal-time clock reads it, to the minute.
-QString minutes(double jd)
-{
-    return MoonCalc::calendarDateForJulianDate(jd).toString(kMinutes);
-}
+const QString kMinutes = u"yyyy-MM-dd'T'HH:mm"_s;
 } // namespace
 
 // The Moon: the ephemeris against worked values, the phase dates around the date described, the
@@ -54,21 +49,16 @@ private slots:
     // angular diameter; each to the digits given.
     void worked2008_data()
     {
-        columns<bool, QStringList>("southern", "expected");
-        const QStringList both{"43.65", "402126.49", "0.495262", "147100098", "0.542183"};
-        QTest::newRow("northern") << false
-                                  << QStringList{"0.770257", "6",  "45", "22.746157",
-                                                 "22",       "17", "54"} +
-                                         both;
-        QTest::newRow("southern") << true
-                                  << QStringList{"0.229743", "2",  "15", "6.784432",
-                                                 "6",        "18", "49"} +
-                                         both;
+        columns<bool, QString>("southern", "expected");
+        QTest::newRow("northern") << false << "0.770257 6 45 22.746157 22 17 54";
+        QTest::newRow("southern") << true << "0.229743 2 15 6.784432 6 18 49";
     }
 
     void worked2008()
     {
-        QFETCH(QStringList, expected);
+        const QStringList expected =
+            (fetch<QString>("expected") + " 43.65 402126.49 0.495262 147100098 0.542183")
+                .split(' ');
         MoonCalc calc;
         calc.setDisplayForSouthernHemisphere(fetch<bool>("southern"));
         calc.setDate(utc(2008, 1, 1));
@@ -92,25 +82,25 @@ private slots:
     // The lunation found for a date, as its phases by the universal-time clock ("*": unchecked).
     void workedLunations_data()
     {
-        columns<QDateTime, double, QStringList>("date", "k", "phases");
-        QTest::newRow("2008-01-01")
-            << utc(2008, 1, 1) << 1335.0
-            << QStringList{"2007-12-09 17:41", "2007-12-17 10:17", "2007-12-24 01:16",
-                           "2007-12-31 07:51", "2008-01-08 11:37", "2008-01-30 05:03"};
+        columns<QDateTime, double, QString>("date", "k", "phases");
+        QTest::newRow("2008-01-01") << utc(2008, 1, 1) << 1335.0
+                                    << "2007-12-09T17:41 2007-12-17T10:17 2007-12-24T01:16 "
+                                       "2007-12-31T07:51 2008-01-08T11:37 2008-01-30T05:03";
         QTest::newRow("the first of a month, hours before a new moon")
-            << utc(2008, 8, 1) << 1342.0
-            << QStringList{"2008-07-03 02:20", "*", "*", "*", "2008-08-01 10:13", "*"};
+            << utc(2008, 8, 1) << 1342.0 << "2008-07-03T02:20 * * * 2008-08-01T10:13 *";
     }
 
     void workedLunations()
     {
-        QFETCH(QStringList, phases);
+        const QStringList phases = fetch<QString>("phases").split(' ');
         MoonCalc calc;
         calc.setDate(fetch<QDateTime>("date"));
         QCOMPARE(calc.currentPhases()[0], MoonCalc::getTruePhase(fetch<double>("k"), 0.0));
         for (int i = 0; i < 6; ++i) {
             if (phases[i] != QLatin1String("*"))
-                QCOMPARE(minutes(calc.currentPhases()[i]), phases[i]);
+                QCOMPARE(
+                    MoonCalc::calendarDateForJulianDate(calc.currentPhases()[i]).toString(kMinutes),
+                    phases[i]);
         }
         QCOMPARE(calc.lastNewMoon().toUTC().toString(kMinutes), phases[0]);
         QCOMPARE(calc.nextNewMoon().toUTC().toString(kMinutes), phases[4]);
@@ -297,7 +287,6 @@ private slots:
         for (const int i : {0, 1, 2, 4, 5, 6, 7})
             seven.insert(QString::number(i), QString::number(i));
         QTest::newRow("missing file") << QVariant() << QStringList{"none"};
-        QTest::newRow("not a property list") << QVariant("New, Full") << QStringList{"none"};
         QTest::newRow("one name missing") << QVariant(QVariantMap{{"PhaseNames", seven}})
                                           << QStringList{"0", "1", "2", "", "4", "5", "6", "7"};
     }
@@ -361,25 +350,6 @@ private slots:
                                               : kept ? before
                                                      : local(shown[i]));
         }
-    }
-
-    // The same year and day of the year, in the date's own zone.
-    void isToday_data()
-    {
-        columns<QDateTime, bool>("date", "today");
-        QTest::newRow("last second") << local("2024-03-15T23:59:59") << true;
-        QTest::newRow("tomorrow") << local("2024-03-16T00:00") << false;
-        // 2023 has no 29 February: day 75 of 2023 is the 16th, of 2024 the 15th.
-        QTest::newRow("same day of the year, a year back") << local("2023-03-16T00:00") << false;
-        QTest::newRow("same calendar day, a year on") << local("2025-03-15T00:00") << false;
-        // In Tokyo it is already the 16th at 15:42 universal time.
-        QTest::newRow("read in the date's own zone")
-            << QDateTime(QDate(2024, 3, 16), QTime(1, 0), QTimeZone("Asia/Tokyo")) << true;
-    }
-
-    void isToday()
-    {
-        QCOMPARE(MoonDateState::isToday(fetch<QDateTime>("date"), kNow), fetch<bool>("today"));
     }
 
     // In live mode, a next-full-moon command whose result falls on today changes nothing: the

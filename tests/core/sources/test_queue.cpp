@@ -5,7 +5,6 @@
 #include "core/settings/Preferences.h"
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
-#include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
 
 // The download queue of a data view and the commands over it: order, no duplicates, one
@@ -168,22 +167,6 @@ private slots:
         QVERIFY(_group->queueMissingData(a));
         QCOMPARE(_group->downloadQueue().size(), 1);
         _group->cancelAllDownloads();
-    }
-
-    // The Alerts list words its queued status in full; its daily report is RSGA.txt.
-    void alertsQueueStatus()
-    {
-        FlatGroup alerts;
-        for (const char *dest : {"RSGA.txt", "WKHF.txt"})
-            alerts.addNewNodeWithDict(
-                TestEnvironment::nodeDict(dest, {}, _server->baseUrl(), "stall"));
-        alerts.selectNodeAtIndex(1);
-        alerts.refreshDailyWeatherNode();
-        QVERIFY(alerts.nodeAt(0)->isDownloading());
-        alerts.refreshSelectedNodeData();
-        QCOMPARE(alerts.nodeAt(1)->itemStatus(), u"-"_s);
-        QCOMPARE(alerts.nodeAt(1)->longStatus(), u"Queued..."_s);
-        alerts.cancelAllDownloads();
     }
 
 private:

@@ -140,15 +140,12 @@ bool TestEnvironment::writePropertyList(const QString &path, const QVariantMap &
     return ok;
 }
 
-QString TestEnvironment::installDefinitions(const QString &fileName, const QVariantMap &root,
-                                            bool binary)
+void TestEnvironment::installDefinitions(const QString &fileName, const QVariantMap &root)
 {
     const QString folder = makeFolder(u"definitions"_s);
-    const QString path = QDir(folder).filePath(fileName);
-    if (!writePropertyList(path, root, binary))
-        qFatal("cannot write %s", qPrintable(path));
+    if (!writePropertyList(folder + '/' + fileName, root))
+        qFatal("cannot write %s", qPrintable(fileName));
     ResourceLocator::setDefinitionsFolder(folder);
-    return path;
 }
 
 QStringList TestEnvironment::installGroups(int count, const QString &url, const QString &source)

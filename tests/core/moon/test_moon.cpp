@@ -5,8 +5,6 @@
 #include "core/moon/MoonPhaseNames.h"
 #include "core/moon/MoonText.h"
 
-#include <QRegularExpression>
-
 #include <cmath>
 #include <ctime>
 
@@ -21,7 +19,6 @@ QDateTime utc(int y, int mo, int d, int h = 0, int mi = 0, int s = 0)
 {
     return QDateTime(QDate(y, mo, d), QTime(h, mi, s), QTimeZone::utc());
 }
-// As the local clock reads it: universal time, unless a test says otherwise.
 QDateTime local(const QString &text)
 {
     return QDateTime::fromString(text, Qt::ISODate);
@@ -44,9 +41,8 @@ private slots:
         TestEnvironment::setNow(kNow);
     }
 
-    // Phase, octant, age of phase, age, its days, hours and minutes, then (the same in both
-    // hemispheres) illumination in percent, distance, angular diameter, the Sun's distance and
-    // angular diameter; each to the digits given.
+    // Phase, octant, age of phase, age in days, its days, hours and minutes, then the same in both
+    // hemispheres: illumination %, distance, diameter, the Sun's distance and diameter.
     void worked2008_data()
     {
         columns<bool, QString>("southern", "expected");
@@ -106,63 +102,41 @@ private slots:
         QCOMPARE(calc.nextNewMoon().toUTC().toString(kMinutes), phases[4]);
     }
 
-    // Each edge of the eight octants from both sides, and the phase in twentieths (-1: not
-    // checked); a phase out of range counts as new.
+    // Each edge of the eight octants from both sides; a phase out of range counts as new.
     void octants_data()
     {
-        columns<double, int, int>("phase", "octant", "twentieth");
-        const struct {
-            double phase;
-            int octant, twentieth;
-        } rows[] = {{0.0249, 0, 0},  {0.025, 1, 1},  {0.2249, 1, -1}, {0.225, 2, -1},
-                    {0.7349, 5, -1}, {0.735, 6, -1}, {0.77, 6, 15},   {0.9749, 7, -1},
-                    {0.975, 0, -1},  {1.0, 0, 20},   {-0.1, 0, -1},   {std::nan(""), 0, -1}};
-        for (const auto &row : rows)
-            QTest::addRow("%g", row.phase) << row.phase << row.octant << row.twentieth;
+        columns<double, int>("phase", "octant");
+        const std::pair<double, int> rows[] = {
+            {0.0249, 0}, {0.025, 1}, {0.2249, 1}, {0.225, 2}, {0.7349, 5},      {0.735, 6},
+            {0.9749, 7}, {0.975, 0}, {1.0, 0},    {-0.1, 0},  {std::nan(""), 0}};
+        for (const auto &[phase, octant] : rows)
+            QTest::addRow("%g", phase) << phase << octant;
     }
 
     void octants()
     {
-        QFETCH(double, phase);
-        QFETCH(int, twentieth);
-        QCOMPARE(MoonCalc::getMoonPhaseAsInteger(phase), fetch<int>("octant"));
-        if (twentieth >= 0)
-            QCOMPARE(MoonCalc::getPreciseMoonPhaseAsInteger(phase), twentieth);
+        QCOMPARE(MoonCalc::getMoonPhaseAsInteger(fetch<double>("phase")), fetch<int>("octant"));
     }
 
-    // On a full moon's Julian day (universal time) the next full moon is the following one, and
-    // the last is that day's own only from the next Julian day on: a blue moon, as the months
-    // agree. Five hours behind, a full moon between 12:00 and 17:00 universal time lies on the
-    // local clock's Julian day before; the universal scale decides.
-    void fullMoonDay_data()
-    {
-        columns<QByteArray, QDateTime, bool>("zone", "date", "lastIsToday");
-        QTest::newRow("same Julian day") << QByteArray("UTC") << utc(2007, 12, 24, 6) << false;
-        QTest::newRow("next Julian day") << QByteArray("UTC") << utc(2007, 12, 24, 13) << true;
-        QTest::newRow("five hours behind")
-            << QByteArray("Etc/GMT+5") << utc(2008, 1, 22, 13, 35, 7) << false;
-    }
-
+    // After noon on a full moon's day it is the next Julian day: the last full moon is that day's,
+    // a blue moon as the months agree, and the next is the following lunation's. Five hours
+    // behind, the full moon of 2008-01-22 13:35 universal time lies on the local clock's Julian
+    // day before; the universal scale decides, and it is neither next nor last.
     void fullMoonDay()
     {
-        useTimeZone(fetch<QByteArray>("zone").constData());
         MoonCalc calc;
-        calc.setDate(fetch<QDateTime>("date").toTimeZone(MoonCalc::defaultTimeZone()));
-        QCOMPARE(calc.moonPhaseAsInteger(), 4);
-        if (fetch<QByteArray>("zone") != "UTC")
-            QVERIFY(std::floor(calc.julianDate()) < std::floor(calc.julianDateGMT()));
+        calc.setDate(utc(2007, 12, 24, 13));
+        QCOMPARE(calc.lastFullMoon(), calc.currentFullMoon());
+        QVERIFY(calc.isBlueMoon() && calc.nextFullMoon() > calc.date().addDays(25));
+        useTimeZone("Etc/GMT+5");
+        calc.setDate(utc(2008, 1, 22, 13, 35, 7).toTimeZone(MoonCalc::defaultTimeZone()));
+        QVERIFY(std::floor(calc.julianDate()) < std::floor(calc.julianDateGMT()));
         QVERIFY(calc.nextFullMoon() > calc.date().addDays(25));
-        QVERIFY(std::abs(calc.date().secsTo(calc.currentFullMoon())) < 86400);
-        if (fetch<bool>("lastIsToday"))
-            QCOMPARE(calc.lastFullMoon(), calc.currentFullMoon());
-        else
-            QVERIFY(calc.lastFullMoon() < calc.date().addDays(-25));
-        QCOMPARE(calc.isBlueMoon(), fetch<bool>("lastIsToday"));
+        QVERIFY(calc.lastFullMoon() < calc.date().addDays(-25) && !calc.isBlueMoon());
     }
 
-    // Over thousands of dates in zones on both sides of Greenwich: every "last" phase lies before
-    // the date and every "next" one after it, each within one lunation, so it is the nearest one;
-    // the current lunation is the one after the previous.
+    // Over thousands of dates in zones on both sides of Greenwich, every "last" phase lies before
+    // the date and every "next" one after it, each within one lunation: the nearest ones.
     void phaseDatesBracketTheDate_data()
     {
         QTest::addColumn<QByteArray>("zone");
@@ -178,8 +152,7 @@ private slots:
                                 &MoonCalc::lastFullMoon, &MoonCalc::lastLastQuarter};
         const Getter nexts[] = {&MoonCalc::upcomingNewMoon, &MoonCalc::nextFirstQuarter,
                                 &MoonCalc::nextFullMoon, &MoonCalc::nextLastQuarter};
-        // A lunation lasts up to about 29.8 days, and a phase on the date's own Julian day is
-        // skipped.
+        // A lunation lasts up to 29.8 days; a phase on the date's own Julian day is skipped.
         const qint64 month = qint64(31 * 86400);
         MoonCalc calc;
         QDateTime date(QDate(1995, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone());
@@ -208,7 +181,6 @@ private slots:
         QTest::newRow("singulars, zero hours") << 1 << 0 << 1 << "1 day, 0 hours, 1 minute";
         QTest::newRow("no days") << 0 << 4 << 48 << "4 hours, 48 minutes";
         QTest::newRow("no minutes keeps the comma") << 5 << 3 << 0 << "5 days, 3 hours, ";
-        QTest::newRow("negatives add nothing") << -1 << -1 << -1 << "";
     }
 
     void ageText()
@@ -218,118 +190,46 @@ private slots:
                  fetch<QString>("text"));
     }
 
-    void distance_data()
-    {
-        columns<QLocale, double, QString>("locale", "kilometres", "text");
-        const QLocale english(QLocale::English, QLocale::UnitedStates);
-        const QLocale german(QLocale::German, QLocale::Germany);
-        QTest::newRow("C locale still groups") << QLocale::c() << 402126.4922 << "402,126.49";
-        QTest::newRow("below one has no integer digit") << english << 0.5 << ".50";
-        QTest::newRow("negative in parentheses") << english << -1234.5 << "(1,234.50)";
-        QTest::newRow("small negative keeps its zero") << german << -0.25 << "(0,25)";
-    }
-
-    void distance()
-    {
-        QCOMPARE(MoonText::formatDistance(fetch<double>("kilometres"), fetch<QLocale>("locale")),
-                 fetch<QString>("text"));
-    }
-
-    // Every line for the worked date; only the distance follows the locale, and a waning Moon has
-    // the same name seen from the south, where only its picture is mirrored.
+    // The lines of the worked date are the command's to check; here: only the distance follows
+    // the locale, and a waning Moon has the same name seen from the south.
     void workedDateLines()
     {
         MoonCalc calc;
-        calc.setDate(QDateTime(QDate(2008, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone()));
-        const QStringList lines = MoonText::lines(calc);
-        QCOMPARE(lines.mid(0, 5) + lines.mid(6),
-                 QStringList({"Moon Phase for January 01, 2008 12:00 AM", "Phase Percent: 77.03%",
-                              "Illumination: 43.65%", "Distance: 402,126.49 km",
-                              "Age: 22 days, 17 hours, 54 minutes",
-                              "Next New Moon: January 08, 2008 11:37 AM"}));
-        QVERIFY2(lines.at(5).startsWith("Next Full Moon: January 22, 2008 "),
-                 qPrintable(lines.at(5)));
-        QStringList german = lines;
+        calc.setDate(utc(2008, 1, 1));
+        QStringList german = MoonText::lines(calc);
+        QCOMPARE(german.value(3), u"Distance: 402,126.49 km"_s);
         german[3] = u"Distance: 402.126,49 km"_s;
         QCOMPARE(MoonText::lines(calc, QLocale(QLocale::German, QLocale::Germany)), german);
-
+        QCOMPARE(MoonText::formatDistance(402126.4922, QLocale::c()), u"402,126.49"_s);
         const QStringList names = MoonPhaseNames::loadFromResources().value_or(QStringList());
-        QCOMPARE(names.size(), 8);
-        QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
+        QCOMPARE(MoonText::phaseName(calc, names), u"Last Quarter"_s);
         calc.setDisplayForSouthernHemisphere(true);
         QCOMPARE(calc.moonPhaseAsInteger(), 2);
-        QCOMPARE(MoonText::phaseName(calc, names), QString("Last Quarter"));
+        QCOMPARE(MoonText::phaseName(calc, names), u"Last Quarter"_s);
     }
 
-    void percentagesAlwaysHaveTwoDecimals()
-    {
-        const QRegularExpression percent(u"^(Phase Percent|Illumination): \\d{1,3}\\.\\d\\d%$"_s);
-        const QRegularExpression age(u"^Age: (\\d+ days?, )?\\d+ hours?, (\\d+ minutes?)?$"_s);
-        MoonCalc calc;
-        QDateTime date(QDate(2023, 1, 1), QTime(0, 0), MoonCalc::defaultTimeZone());
-        bool sawSmallIllumination = false;
-        for (int i = 0; i < 400; ++i, date = date.addSecs(23 * 3600 + 7 * 60)) {
-            calc.setDate(date);
-            const QStringList lines = MoonText::lines(calc, QLocale(QLocale::German));
-            for (const QString &line : {lines.at(1), lines.at(2), lines.at(4)})
-                QVERIFY2((line.startsWith("Age") ? age : percent).match(line).hasMatch(),
-                         qPrintable(line));
-            sawSmallIllumination |= lines.at(2).startsWith(QLatin1String("Illumination: 0."));
-        }
-        QVERIFY(sawSmallIllumination);
-    }
-
-    // A damaged names file gives no names; a missing name leaves its place empty.
-    void phaseNamesFile_data()
-    {
-        columns<QVariant, QStringList>("root", "names");
-        QVariantMap seven;
-        for (const int i : {0, 1, 2, 4, 5, 6, 7})
-            seven.insert(QString::number(i), QString::number(i));
-        QTest::newRow("missing file") << QVariant() << QStringList{"none"};
-        QTest::newRow("one name missing") << QVariant(QVariantMap{{"PhaseNames", seven}})
-                                          << QStringList{"0", "1", "2", "", "4", "5", "6", "7"};
-    }
-
-    void phaseNamesFile()
-    {
-        const QString path = TestEnvironment::makeFolder("names") + "/PhaseNames.plist";
-        const QVariant root = fetch<QVariant>("root");
-        if (root.typeId() == QMetaType::QVariantMap)
-            QVERIFY(TestEnvironment::writePropertyList(path, root.toMap(), true));
-        else if (root.isValid())
-            QVERIFY(TestEnvironment::writeFile(path, root.toByteArray()));
-        QCOMPARE(MoonPhaseNames::load(path).value_or(QStringList{"none"}),
-                 fetch<QStringList>("names"));
-    }
-
-    // Commands in turn, a minute apart: "+" and "-" step a day, "T" is Today, "tick" the live
-    // timer, "~" lets a day pass, and a date is chosen as such. After each the page shows "live"
-    // (the present moment), "kept" (live, the date as it was) or the date given.
     void commands_data()
     {
-        columns<QStringList, QStringList>("commands", "shown");
-        const auto row = [](const char *name, const QStringList &commands,
-                            const QStringList &shown) { QTest::newRow(name) << commands << shown; };
-        row("a day on and back: live", {"+", "-"}, {"2024-03-16T00:00", "live"});
-        row("two days back, then Today", {"-", "-", "T"},
-            {"2024-03-14T00:00", "2024-03-13T00:00", "live"});
-        row("into and out of a leap day", {"2024-02-28T23:59", "+", "+"},
-            {"2024-02-28T23:59", "2024-02-29T00:00", "2024-03-01T00:00"});
-        row("back to the old year", {"2024-01-01T06:00", "-"},
-            {"2024-01-01T06:00", "2023-12-31T00:00"});
-        row("a date on today is live", {"2025-03-16T00:00", "2024-03-15T03:00", "2024-03-15T03:00"},
-            {"2025-03-16T00:00", "live", "kept"});
-        row("the timer moves only a live page", {"tick", "+", "tick", "~", "tick"},
-            {"live", "2024-03-16T00:00", "2024-03-16T00:00", "2024-03-16T00:00",
-             "2024-03-16T00:00"});
+        columns<QString, QString>("commands", "shown");
+        const auto row = [](const char *name, const char *commands, const char *shown) {
+            QTest::newRow(name) << QString(commands) << QString(shown);
+        };
+        row("a day on and back: live", "+ -", "2024-03-16T00:00 live");
+        row("two days back, then Today", "- - T", "2024-03-14T00:00 2024-03-13T00:00 live");
+        row("into and out of a leap day", "2024-02-28T23:59 + +",
+            "2024-02-28T23:59 2024-02-29T00:00 2024-03-01T00:00");
+        row("back to the old year", "2024-01-01T06:00 -", "2024-01-01T06:00 2023-12-31T00:00");
+        row("a date on today is live", "2025-03-16T00:00 2024-03-15T03:00 2024-03-15T03:00",
+            "2025-03-16T00:00 live kept");
+        row("the timer moves only a live page", "tick + tick ~ tick",
+            "live 2024-03-16T00:00 2024-03-16T00:00 2024-03-16T00:00 2024-03-16T00:00");
     }
 
     void commands()
     {
         MoonDateState state;
-        const QStringList commands = fetch<QStringList>("commands");
-        const QStringList shown = fetch<QStringList>("shown");
+        const QStringList commands = fetch<QString>("commands").split(' ');
+        const QStringList shown = fetch<QString>("shown").split(' ');
         for (qsizetype i = 0; i < commands.size(); ++i) {
             TestEnvironment::advance(commands[i] == QLatin1String("~") ? 86400 : 60);
             const bool live = shown[i] == QLatin1String("live");
@@ -350,18 +250,6 @@ private slots:
                                               : kept ? before
                                                      : local(shown[i]));
         }
-    }
-
-    // In live mode, a next-full-moon command whose result falls on today changes nothing: the
-    // full moon of 2008-01-22 13:35 is on the next Julian day after that morning's.
-    void nextFullMoonToday()
-    {
-        TestEnvironment::setNow(utc(2008, 1, 22, 8));
-        MoonDateState state;
-        QCOMPARE(state.moonCalc().nextFullMoon().date(), QDate(2008, 1, 22));
-        state.setDateToNextFullMoon();
-        QVERIFY(!state.customDate());
-        QCOMPARE(state.moonCalc().date(), utc(2008, 1, 22, 8));
     }
 
     // From a full or new moon the command reaches the following one, also where the true new moon

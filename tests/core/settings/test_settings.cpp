@@ -4,13 +4,11 @@
 #include "core/settings/Preferences.h"
 #include "core/shell/AppCore.h"
 #include "core/sources/UpdateTimeText.h"
-#include "core/util/GeometryText.h"
-#include "core/util/SplitLayout.h"
 
 #include <QStandardPaths>
 
-// What is kept in the settings and how: the preferences with their keys and damaged values, the
-// texts of update times, sizes, rectangles and split panes; and the data folder, the log stamp.
+// What is kept in the settings and how: the preferences with their keys and damaged values, and
+// the texts of update times; the data folder and the log stamp.
 class TestSettings : public QObject {
     Q_OBJECT
 
@@ -21,7 +19,6 @@ private slots:
     {
         QSettings settings;
         Preferences prefs;
-        QCOMPARE(prefs.lastView(), -1); // not read yet
         prefs.loadPreferences(settings);
         QCOMPARE(values(prefs), QVariantList({0, true, false, false, true, 60.0f, false}));
         QVERIFY(settings.allKeys().isEmpty()); // reading registers nothing
@@ -49,9 +46,7 @@ private slots:
             QTest::newRow(name) << QString::fromLatin1(key) << stored << index << expected;
         };
         row("lastView text", "lastView", "Moon", 0, 0);
-        row("lastView huge", "lastView", "1e12", 0, std::numeric_limits<int>::max());
         row("isOnline garbage", "isOnline", "yes", 1, false);
-        row("isOnline 2", "isOnline", 2, 1, true);
         row("missing data list", "downloadMissingData", QStringList{"a"}, 4, false);
         row("timeout garbage", "timeoutSeconds", "soon", 5, 0.0f);
         row("timeout not finite", "timeoutSeconds", "inf", 5, 0.0f);
@@ -110,30 +105,6 @@ private slots:
         QLocale::setDefault(saved);
     }
 
-    // Both ways; a huge stored size is bounded.
-    void geometryText()
-    {
-        QCOMPARE(GeometryText::toRect(u"{{10, 20}, {300, 400}}"_s), QRect(10, 20, 300, 400));
-        QCOMPARE(GeometryText::fromRect(QRect(10, 20, 300, 400)), u"{{10, 20}, {300, 400}}"_s);
-        QCOMPARE(GeometryText::toSize(u"{800, 600}"_s), QSize(800, 600));
-        QCOMPARE(GeometryText::fromSize(QSize(800, 600)), u"{800, 600}"_s);
-        QCOMPARE(GeometryText::toSize(u"{1e300, 5}"_s), QSize(1 << 20, 5));
-        QVERIFY(GeometryText::isEmptyRect(GeometryText::toRect(u"{{5, 5}, {-3, 40}}"_s)));
-    }
-
-    // Stored rectangles beyond the panes are ignored; a zero one collapses its pane along the
-    // dividing axis.
-    void splitRestore()
-    {
-        const QList<QRect> panes{QRect(0, 0, 200, 500), QRect(204, 0, 600, 500)};
-        QCOMPARE(SplitLayout::restoredRects(
-                     {"{{0, 0}, {300, 500}}", "{{304, 0}, {500, 500}}", "{{1, 1}, {1, 1}}"}, panes,
-                     true),
-                 QList<QRect>({QRect(0, 0, 300, 500), QRect(304, 0, 500, 500)}));
-        QCOMPARE(SplitLayout::restoredRects({"{{0, 0}, {0, 0}}"}, panes, false),
-                 QList<QRect>({QRect(0, 0, 200, 0), panes[1]}));
-    }
-
     void dataFolder()
     {
         // A folder from the command line is made, however deep.
@@ -142,8 +113,7 @@ private slots:
         core.setDataFolderOverride(deeper);
         QCOMPARE(core.prepareDataFolder(), deeper);
         QVERIFY(QFileInfo(deeper).isDir());
-        // A plain file where the per-user folder should be: nothing is made, the path is used all
-        // the same.
+        // A plain file in the way: nothing is made, and the path is used all the same.
         const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         QVERIFY(base.startsWith(TestEnvironment::home()));
         QDir(base).removeRecursively();

@@ -15,18 +15,17 @@ public:
 
     void nodeHasMessage(Node *node) override
     {
-        events << QStringLiteral("status %1|%2").arg(node->itemStatus(), node->longStatus());
+        events << "status " + node->itemStatus() + '|' + node->longStatus();
     }
     void nodeDidChangeUpdateSettings(Node *) override { events << QStringLiteral("settings"); }
     void nodeFileDidLoad(Node *node) override
     {
         ++loads;
-        events << QStringLiteral("loaded downloading=%1").arg(node->isDownloading());
+        events << "loaded downloading=" + QString::number(node->isDownloading());
     }
     void nodeDidFailWithError(Node *node, const QString &error) override
     {
         failures << error;
-        events << QStringLiteral("failed downloading=%1").arg(node->isDownloading());
+        events << "failed downloading=" + QString::number(node->isDownloading());
     }
-    QStringList statuses() const { return events.filter(QStringLiteral("status ")); }
 };

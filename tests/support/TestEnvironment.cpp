@@ -4,6 +4,7 @@
 #include "core/net/NetworkAccess.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/util/Clock.h"
 #include "core/util/ResourceLocator.h"
 
@@ -70,8 +71,8 @@ void TestEnvironment::setUp()
 
 void TestEnvironment::setUpApplication()
 {
-    QCoreApplication::setOrganizationName(QStringLiteral("Vantorel"));
-    QCoreApplication::setApplicationName(QStringLiteral("Vantorel"));
+    QCoreApplication::setOrganizationName(u"Vantorel"_s);
+    QCoreApplication::setApplicationName(u"Vantorel"_s);
     resetState();
 }
 
@@ -88,7 +89,7 @@ QString TestEnvironment::home()
 QString TestEnvironment::makeFolder(const QString &name)
 {
     static int counter = 0;
-    const QString path = home() + QStringLiteral("/work/%1-%2").arg(name).arg(++counter);
+    const QString path = home() + u"/work/%1-%2"_s.arg(name).arg(++counter);
     QDir().mkpath(path);
     return path;
 }
@@ -139,30 +140,50 @@ bool TestEnvironment::writePropertyList(const QString &path, const QVariantMap &
     return ok;
 }
 
-QString TestEnvironment::installDefinitions(const QString &fileName, const QVariantMap &root,
-                                            bool binary)
+QString TestEnvironment::installDefinitions(const QString &fileName, const QVariantMap &root)
 {
-    const QString folder = makeFolder(QStringLiteral("definitions"));
-    const QString path = QDir(folder).filePath(fileName);
-    if (!writePropertyList(path, root, binary))
-        qFatal("cannot write %s", qPrintable(path));
-    ResourceLocator::setDefinitionsFolder(folder);
+    const QString path = makeFolder(u"definitions"_s) + '/' + fileName;
+    if (!writePropertyList(path, root))
+        qFatal("cannot write %s", qPrintable(fileName));
+    ResourceLocator::setDefinitionsFolder(QFileInfo(path).path());
     return path;
+}
+
+QStringList TestEnvironment::installGroups(int count, const QString &url, const QString &source)
+{
+    const QString folder = makeFolder(u"definitions"_s);
+    QStringList files;
+    for (const GroupCatalogue::Group &group : GroupCatalogue::dataGroups()) {
+        QVariantMap nodes;
+        for (int i = 0; i < count; ++i) {
+            const QString name = group.name + QString::number(i);
+            files << name + u".bin"_s;
+            nodes.insert(u"Node%1"_s.arg(i), nodeDict(files.last(), name, url, source));
+        }
+        if (group.layout == GroupCatalogue::Layout::Domains) {
+            nodes.insert(u"DomainName"_s, group.name);
+            nodes = {{u"Domain0"_s, nodes}};
+        }
+        if (!writePropertyList(folder + u"/Data%1.plist"_s.arg(group.name), nodes))
+            qFatal("cannot write definitions");
+    }
+    ResourceLocator::setDefinitionsFolder(folder);
+    return files;
 }
 
 QVariantMap TestEnvironment::nodeDict(const QString &dest, const QString &name, const QString &url,
                                       const QString &source)
 {
     // As in the shipped files: pictures are file type 0, everything else a text report.
-    static const QRegularExpression picture(QStringLiteral("\\.(png|jpe?g|gif|webp|tiff?|svg)$"),
+    static const QRegularExpression picture(u"\\.(png|jpe?g|gif|webp|tiff?|svg)$"_s,
                                             QRegularExpression::CaseInsensitiveOption);
     const QString shown = name.isEmpty() ? dest : name;
-    return {{QStringLiteral("URL"), url},
-            {QStringLiteral("SourceFileName"), source},
-            {QStringLiteral("DestFileName"), dest},
-            {QStringLiteral("NodeName"), shown},
-            {QStringLiteral("NodeTitle"), shown + QStringLiteral(" title")},
-            {QStringLiteral("FileType"), picture.match(dest).hasMatch() ? 0 : 1}};
+    return {{u"URL"_s, url},
+            {u"SourceFileName"_s, source},
+            {u"DestFileName"_s, dest},
+            {u"NodeName"_s, shown},
+            {u"NodeTitle"_s, shown + u" title"_s},
+            {u"FileType"_s, picture.match(dest).hasMatch() ? 0 : 1}};
 }
 
 QProcessEnvironment TestEnvironment::headlessEnvironment()
@@ -175,7 +196,7 @@ QProcessEnvironment TestEnvironment::headlessEnvironment()
 
 qint64 TestEnvironment::processKilobytes(const char *field)
 {
-    for (const QByteArray &line : readFile(QStringLiteral("/proc/self/status")).split('\n')) {
+    for (const QByteArray &line : readFile(u"/proc/self/status"_s).split('\n')) {
         if (line.startsWith(QByteArray(field) + ':'))
             return line.mid(qstrlen(field) + 1).trimmed().split(' ').value(0).toLongLong();
     }

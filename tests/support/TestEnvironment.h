@@ -1,49 +1,49 @@
 #pragma once
 
 #include <QDateTime>
+#include <QDir>
 #include <QProcessEnvironment>
+#include <QSettings>
 #include <QString>
-#include <QTest>
 #include <QVariantMap>
+#include <QtTest>
 
-// Every test program runs in a home of its own: HOME and the XDG folders point into a temporary
-// directory made before the application object exists, so settings, data and configuration never
-// touch the real user's. The bundled resources of the build tree are used.
+using namespace Qt::StringLiterals;
+
+// Every test program runs in a temporary home of its own (HOME and the XDG folders), made before
+// the application object exists, so that no test touches the real user's files.
 class TestEnvironment {
 public:
-    // Before the application object is created; after it exists (names, resources, fresh
-    // preferences); after the last test, when the network work ends so that the sanitizer build's
-    // leak checker sees a finished process.
+    // Before the application exists; after; and after the last test, when the network work ends
+    // so that the sanitizer build's leak checker sees a finished process.
     static void setUp();
     static void setUpApplication();
     static void tearDownApplication();
 
     static QString home();
-    // A new empty folder inside the temporary home.
     static QString makeFolder(const QString &name);
-    // Forgets every stored setting and resets the preferences, the clock and the folders where
-    // files are looked up (the bundled resources of the build tree, no definitions folder).
+    // Forgets the settings; resets the preferences, the clock and where files are looked up.
     static void resetState();
 
-    // Fixes "now" for everything that asks the core's clock; advance() moves it on.
+    // Fixes the core's clock; advance() moves it on.
     static void setNow(const QDateTime &now);
     static void advance(qint64 seconds);
 
-    // This process's environment without any display, as a script on a server has it.
+    // This process's environment without any display.
     static QProcessEnvironment headlessEnvironment();
 
     static bool writeFile(const QString &path, const QByteArray &bytes);
     // The file's bytes, or "<missing>" when it cannot be read.
     static QByteArray readFile(const QString &path);
-    // Writes a property list (XML unless binary) with these contents.
     static bool writePropertyList(const QString &path, const QVariantMap &root,
                                   bool binary = false);
-    // Writes the root as fileName into a new definitions folder that the loader reads first, as
-    // if given on the command line; returns the file's path.
-    static QString installDefinitions(const QString &fileName, const QVariantMap &root,
-                                      bool binary = false);
-    // A node definition with the keys every node needs, and the file type that its file name
-    // suggests: 0 (a picture) for a picture's extension, otherwise 1 (a text report).
+    // Writes the file into a new definitions folder that the loader reads first; returns its path.
+    static QString installDefinitions(const QString &fileName, const QVariantMap &root);
+    // Definition files for every data group, read first: `count` nodes each, "Sun0" and so on,
+    // with data files "Sun0.bin" fetched from url + source. Returns those, in view order.
+    static QStringList installGroups(int count, const QString &url, const QString &source);
+    // A node definition with the keys every node needs; file type 0 (a picture) for a picture's
+    // extension, otherwise 1 (a text report).
     static QVariantMap nodeDict(const QString &dest, const QString &name = {},
                                 const QString &url = QStringLiteral("http://127.0.0.1/"),
                                 const QString &source = QStringLiteral("file.bin"));
@@ -51,13 +51,13 @@ public:
     static qint64 processKilobytes(const char *field);
 };
 
-// The columns of a data-driven test in one call: columns<int, QString>("kind", "text").
+// columns<int, QString>("kind", "text") adds both columns.
 template <typename... Types, typename... Names> void columns(Names... names)
 {
     (QTest::addColumn<Types>(names), ...);
 }
 
-// The current row's value in a column, as QFETCH reads it, for use inside an expression.
+// The current row's value in a column, as QFETCH reads it.
 template <typename T> const T &fetch(const char *column)
 {
     return *static_cast<T *>(QTest::qData(column, qMetaTypeId<T>()));

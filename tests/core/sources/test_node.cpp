@@ -3,10 +3,6 @@
 
 #include "core/sources/Node.h"
 
-#include <QDir>
-#include <QSettings>
-#include <QtTest>
-
 // One node apart from its transfer: what it makes of its definition entry, its first status, and
 // its schedule with the texts and settings keys that keep it across restarts.
 class TestNode : public QObject {
@@ -16,7 +12,7 @@ private slots:
     void init()
     {
         TestEnvironment::resetState();
-        _folder = TestEnvironment::makeFolder(QStringLiteral("data"));
+        _folder = TestEnvironment::makeFolder(u"data"_s);
     }
 
     // One key of an entry changed (an invalid value removes it): the node made from it, as its
@@ -34,25 +30,20 @@ private slots:
         row("no FileType", "FileType", {}, "http://127.0.0.1/file.bin 0 x.txt");
         row("FileType as text", "FileType", " 2 ", "http://127.0.0.1/file.bin 2 x.txt");
         row("FileType not a number", "FileType", "image", "http://127.0.0.1/file.bin 0 x.txt");
-        row("FileType huge", "FileType", qint64(1) << 40,
-            "http://127.0.0.1/file.bin 2147483647 x.txt");
         row("a number is a name", "DestFileName", 42, "http://127.0.0.1/file.bin 1 42");
-        row("dots inside", "DestFileName", "a..b.txt", "http://127.0.0.1/file.bin 1 a..b.txt");
         // Found by fuzzing: Qt reads a path that starts with a colon as one of its resources.
         row("leading colon", "DestFileName", ":f.txt", "http://127.0.0.1/file.bin 1 :f.txt");
-        row("no URL", "URL", {}, "");
         row("SourceFileName missing", "SourceFileName", {}, "");
         row("no DestFileName", "DestFileName", {}, "");
         row("empty name", "DestFileName", "", "");
         row("dot dot", "DestFileName", "..", "");
-        row("a path", "DestFileName", "../../.bashrc", "");
         row("backslash", "DestFileName", "a\\b", "");
-        row("a dictionary", "DestFileName", QVariantMap{{"x", 1}}, "");
+        row("a NUL character", "DestFileName", QString("a") + QChar(0) + ".txt", "");
     }
 
     void definitionEntry()
     {
-        QVariantMap dict = TestEnvironment::nodeDict(QStringLiteral("x.txt"));
+        QVariantMap dict = TestEnvironment::nodeDict(u"x.txt"_s);
         const QString key = fetch<QString>("key");
         if (fetch<QVariant>("value").isValid())
             dict.insert(key, fetch<QVariant>("value"));
@@ -65,10 +56,9 @@ private slots:
         if (!node)
             return;
         const QFileInfo file(node->filePath());
-        QCOMPARE(
-            QStringList({node->sourceURL(), QString::number(node->fileType()), file.fileName()})
-                .join(' '),
-            made);
+        QCOMPARE(node->sourceURL() + ' ' + QString::number(node->fileType()) + ' ' +
+                     file.fileName(),
+                 made);
         // Whatever the name, the data file is directly inside the data folder.
         QCOMPARE(file.absolutePath(), QFileInfo(_folder).absoluteFilePath());
         QVERIFY(TestEnvironment::writeFile(node->filePath(), {}));
@@ -78,37 +68,22 @@ private slots:
     void initialStatus()
     {
         RecordingDelegate delegate;
-        auto missing = make(QStringLiteral("n.jpg"), &delegate);
-        QCOMPARE(missing->itemStatus() + missing->longStatus(),
-                 QStringLiteral("!Press \"Reload\" to begin"));
+        auto missing = make(u"n.jpg"_s, &delegate);
+        QCOMPARE(missing->itemStatus() + missing->longStatus(), u"!Press \"Reload\" to begin"_s);
         QVERIFY(TestEnvironment::writeFile(missing->filePath(), {})); // even empty, it is data
-        QCOMPARE(make(QStringLiteral("n.jpg"), &delegate)->itemStatus(), QString(QChar(0x221A)));
+        QCOMPARE(make(u"n.jpg"_s, &delegate)->itemStatus(), QString(QChar(0x221A)));
         QVERIFY(delegate.events.isEmpty()); // set while being made: nobody is told
-    }
-
-    // Out of range counts as the first; the schedule is kept per data file, so two entries for
-    // one file share it.
-    void rates()
-    {
-        const QList<QPair<int, int>> minutes{{0, 5},  {3, 60}, {7, 1440},
-                                             {-1, 5}, {8, 5},  {99999, 5}};
-        for (const auto &[rate, expected] : minutes) {
-            make(QStringLiteral("r.gif"))->setAutoUpdateRate(rate);
-            auto node = make(QStringLiteral("r.gif"));
-            QCOMPARE(node->nextUpdateInMinutes(), expected);
-            QCOMPARE(node->nextUpdateDate(), node->lastUpdateDate().addSecs(expected * 60));
-        }
     }
 
     void scheduleTextsAndKeys()
     {
         TestEnvironment::setNow(QDateTime(QDate(2026, 11, 16), QTime(17, 57, 30)));
         RecordingDelegate delegate;
-        auto node = make(QStringLiteral("k.gif"), &delegate);
-        QCOMPARE(node->lastUpdate() + node->shortLastUpdate(), QStringLiteral("UnknownUnknown"));
+        auto node = make(u"k.gif"_s, &delegate);
+        QCOMPARE(node->lastUpdate() + node->shortLastUpdate(), u"UnknownUnknown"_s);
         node->setLastUpdateNow();
         node->setAutoUpdateRate(3);
-        QCOMPARE(node->nextUpdate() + node->shortNextUpdate(), QStringLiteral("Not Scheduled"));
+        QCOMPARE(node->nextUpdate() + node->shortNextUpdate(), u"Not Scheduled"_s);
         // Turning updates on recomputes from the existing last update, not from now.
         TestEnvironment::advance(600);
         node->setAutoUpdates(true);
@@ -120,46 +95,31 @@ private slots:
                               "11/16 at 06:57 PM", "11/16 @ 06:57PM"}));
 
         QSettings settings;
-        QCOMPARE(settings.value(QStringLiteral("autoUpdateNodek.gif")).toInt(), 1);
-        QCOMPARE(settings.value(QStringLiteral("autoUpdateRateNodek.gif")).toInt(), 3);
-        QCOMPARE(settings.value(QStringLiteral("downloadAtStartupNodek.gif")).toInt(), 1);
-        // The last update is kept only by cleanup, and without history as an empty text.
-        QVERIFY(!settings.contains(QStringLiteral("lastUpdateForNodek.gif")));
-        make(QStringLiteral("new.gif"))->cleanup();
-        QCOMPARE(settings.value(QStringLiteral("lastUpdateForNodenew.gif")), QVariant(QString()));
-    }
-
-    void lastUpdateSurvivesRestart()
-    {
-        TestEnvironment::setNow(QDateTime(QDate(2026, 3, 1), QTime(10, 0, 45)));
-        {
-            auto node = make(QStringLiteral("s.gif"));
-            node->setAutoUpdates(true);
-            node->setAutoUpdateRate(2);
-            node->setLastUpdateNow();
-            node->cleanup();
-        }
-        TestEnvironment::advance(3600);
-        auto again = make(QStringLiteral("s.gif"));
-        QCOMPARE(again->lastUpdate(), QStringLiteral("Sunday, Mar 01 2026 at 10:00 AM"));
-        QCOMPARE(again->nextUpdateDate(),
-                 QDateTime(QDate(2026, 3, 1), QTime(10, 30))); // no seconds
-        QVERIFY(again->checkAutoUpdate()); // overdue after the pause: due at once
-
-        // A stored text that cannot be read back is no history: the node counts from now.
-        for (const QVariant &stored : {QVariant(12), QVariant("Monday, Feb 30 2026 at 10:00 AM")}) {
-            QSettings().setValue(Node::lastUpdateKey(QStringLiteral("u.gif")), stored);
-            auto node = make(QStringLiteral("u.gif"));
-            QCOMPARE(node->lastUpdate(), QStringLiteral("Unknown"));
-            QCOMPARE(node->lastUpdateDate(), QDateTime(QDate(2026, 3, 1), QTime(11, 0, 45)));
-        }
+        QCOMPARE(settings.value(u"autoUpdateNodek.gif"_s).toInt(), 1);
+        QCOMPARE(settings.value(u"autoUpdateRateNodek.gif"_s).toInt(), 3);
+        QCOMPARE(settings.value(u"downloadAtStartupNodek.gif"_s).toInt(), 1);
+        // The last update is kept only by cleanup; without history, as an empty text.
+        QVERIFY(!settings.contains(u"lastUpdateForNodek.gif"_s));
+        node->cleanup();
+        make(u"new.gif"_s)->cleanup();
+        QCOMPARE(settings.value(u"lastUpdateForNodenew.gif"_s), QVariant(QString()));
+        // After a restart the schedule counts from the stored last update, to the minute; an
+        // overdue node is due at once.
+        TestEnvironment::advance(7200);
+        auto again = make(u"k.gif"_s);
+        QCOMPARE(again->lastUpdate(), u"Monday, Nov 16 2026 at 05:57 PM"_s);
+        QCOMPARE(again->nextUpdateDate(), QDateTime(QDate(2026, 11, 16), QTime(18, 57)));
+        QVERIFY(again->checkAutoUpdate());
     }
 
     void dueExactlyOneIntervalLater()
     {
         TestEnvironment::setNow(QDateTime(QDate(2026, 7, 1), QTime(12, 0)));
-        auto node = make(QStringLiteral("c.gif"));
-        node->setAutoUpdateRate(1); // 10 minutes, counted from creation
+        auto node = make(u"c.gif"_s);
+        for (const auto &[rate, minutes] : {std::pair{0, 5}, {7, 1440}, {1, 10}}) {
+            node->setAutoUpdateRate(rate); // counted from creation
+            QCOMPARE(node->nextUpdateInMinutes(), minutes);
+        }
         TestEnvironment::advance(3600);
         QVERIFY(!node->checkAutoUpdate()); // off
         node->setAutoUpdates(true);

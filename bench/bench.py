@@ -391,10 +391,12 @@ class Bench:
         switching = max(r["switching"]["max_gap_ms"] for r in runs)
         seconds = median([r["transfers"]["transfers_ms"] for r in runs]) / 1000
         busy = max(r["transfers"]["max_busy_ms"] for r in runs)
+        blocked = max(r["transfers"].get("max_blocked_ms", 0.0) for r in runs)
         self.row("Longest main-thread gap (1-ms timer): 5 large transfers + view switches",
                  during, idle, "ms", "< 16 ms (baseline: idle)", during / idle, during < 16,
                  f"worst of 3 runs of {seconds:.1f} s; switching views alone: {switching:.1f} ms; "
-                 f"the main thread's own work within one gap at most {busy:.1f} ms")
+                 f"the main thread's own work within one gap at most {busy:.1f} ms, its sleeping "
+                 f"(disk, locks, X server) at most {blocked:.1f} ms")
 
     # --- the providers' JSON data and the history ------------------------------------------
 

@@ -25,6 +25,11 @@
 #include <cstdio>
 #include <ctime>
 #include <functional>
+#include <tuple>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -34,14 +39,42 @@ struct Gap {
     // The main thread's processor time within the gap: the work that kept it from the timer. On a
     // busy machine the gap also holds waiting for a processor; this does not.
     double busy;
+    // The time it was ready to run but waited for a processor: the machine's share of the gap.
+    // What is left of the gap (length - busy - waiting) the thread slept: waiting for the disk, a
+    // lock or the X server, which is the application's doing as much as its processor time is.
+    double waiting;
+    double blocked() const { return std::max(0.0, length - busy - waiting); }
 };
 
-double threadCpuMs()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return double(ts.tv_sec) * 1e3 + double(ts.tv_nsec) / 1e6;
-}
+// The main thread's processor time and time waiting for a processor, both from the scheduler's
+// own account (/proc/thread-self/schedstat), so that they add up with the gap's length.
+class ThreadClock {
+public:
+    ThreadClock() : _fd(::open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC)) {}
+    ~ThreadClock()
+    {
+        if (_fd >= 0)
+            ::close(_fd);
+    }
+    ThreadClock(const ThreadClock &) = delete;
+    ThreadClock &operator=(const ThreadClock &) = delete;
+
+    // Processor time and waiting time so far, in milliseconds.
+    std::pair<double, double> read() const
+    {
+        char text[128] = {};
+        unsigned long long running = 0, waiting = 0;
+        if (_fd >= 0 && ::pread(_fd, text, sizeof text - 1, 0) > 0 &&
+            std::sscanf(text, "%llu %llu", &running, &waiting) == 2)
+            return {double(running) / 1e6, double(waiting) / 1e6};
+        timespec ts{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
+        return {double(ts.tv_sec) * 1e3 + double(ts.tv_nsec) / 1e6, 0.0};
+    }
+
+private:
+    int _fd;
+};
 
 class Probe : public QObject {
 public:
@@ -51,17 +84,18 @@ public:
         _timer.setInterval(1);
         connect(&_timer, &QTimer::timeout, this, [this] {
             const double now = Harness::nowMs();
-            const double cpu = threadCpuMs();
-            _gaps.push_back({_last, now - _last, cpu - _lastCpu});
+            const auto [cpu, waiting] = _clock.read();
+            _gaps.push_back({_last, now - _last, cpu - _lastCpu, waiting - _lastWaiting});
             _last = now;
             _lastCpu = cpu;
+            _lastWaiting = waiting;
         });
     }
     void start()
     {
         _gaps.clear();
         _last = Harness::nowMs();
-        _lastCpu = threadCpuMs();
+        std::tie(_lastCpu, _lastWaiting) = _clock.read();
         _timer.start();
     }
     std::vector<Gap> stop()
@@ -72,9 +106,11 @@ public:
 
 private:
     QTimer _timer;
+    ThreadClock _clock;
     std::vector<Gap> _gaps;
     double _last = 0;
     double _lastCpu = 0;
+    double _lastWaiting = 0;
 };
 
 struct Event {
@@ -94,15 +130,18 @@ QString contextOf(const Gap &gap, const std::vector<Event> &events, double phase
     return context;
 }
 
-QJsonArray worstOf(std::vector<Gap> gaps, double Gap::*by, const std::vector<Event> &events,
-                   double phaseStart)
+QJsonArray worstOf(std::vector<Gap> gaps, const std::function<double(const Gap &)> &by,
+                   const std::vector<Event> &events, double phaseStart)
 {
-    std::sort(gaps.begin(), gaps.end(), [by](const Gap &a, const Gap &b) { return a.*by > b.*by; });
+    std::sort(gaps.begin(), gaps.end(),
+              [&by](const Gap &a, const Gap &b) { return by(a) > by(b); });
     gaps.resize(std::min<size_t>(gaps.size(), 5));
     QJsonArray worst;
     for (const Gap &gap : gaps) {
         worst.append(QJsonObject{{QStringLiteral("gap_ms"), gap.length},
                                  {QStringLiteral("busy_ms"), gap.busy},
+                                 {QStringLiteral("waiting_ms"), gap.waiting},
+                                 {QStringLiteral("blocked_ms"), gap.blocked()},
                                  {QStringLiteral("at_ms"), gap.start - phaseStart},
                                  {QStringLiteral("after"), contextOf(gap, events, phaseStart)}});
     }
@@ -114,9 +153,11 @@ QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &even
 {
     std::vector<double> lengths;
     double maxBusy = 0;
+    double maxBlocked = 0;
     for (const Gap &gap : gaps) {
         lengths.push_back(gap.length);
         maxBusy = std::max(maxBusy, gap.busy);
+        maxBlocked = std::max(maxBlocked, gap.blocked());
     }
     std::sort(lengths.begin(), lengths.end());
     const auto percentile = [&](double p) {
@@ -127,14 +168,17 @@ QJsonObject summary(const std::vector<Gap> &gaps, const std::vector<Event> &even
     int over = 0;
     for (const double length : lengths)
         over += length >= 20.0 ? 1 : 0;
-    return QJsonObject{{QStringLiteral("ticks"), double(lengths.size())},
-                       {QStringLiteral("max_gap_ms"), lengths.empty() ? 0.0 : lengths.back()},
-                       {QStringLiteral("p99_gap_ms"), percentile(0.99)},
-                       {QStringLiteral("p999_gap_ms"), percentile(0.999)},
-                       {QStringLiteral("gaps_over_20_ms"), over},
-                       {QStringLiteral("max_busy_ms"), maxBusy},
-                       {QStringLiteral("worst"), worstOf(gaps, &Gap::length, events, phaseStart)},
-                       {QStringLiteral("busiest"), worstOf(gaps, &Gap::busy, events, phaseStart)}};
+    return QJsonObject{
+        {QStringLiteral("ticks"), double(lengths.size())},
+        {QStringLiteral("max_gap_ms"), lengths.empty() ? 0.0 : lengths.back()},
+        {QStringLiteral("p99_gap_ms"), percentile(0.99)},
+        {QStringLiteral("p999_gap_ms"), percentile(0.999)},
+        {QStringLiteral("gaps_over_20_ms"), over},
+        {QStringLiteral("max_busy_ms"), maxBusy},
+        {QStringLiteral("max_blocked_ms"), maxBlocked},
+        {QStringLiteral("worst"), worstOf(gaps, &Gap::length, events, phaseStart)},
+        {QStringLiteral("busiest"), worstOf(gaps, &Gap::busy, events, phaseStart)},
+        {QStringLiteral("most_blocked"), worstOf(gaps, &Gap::blocked, events, phaseStart)}};
 }
 
 Node *bigNode(NodeGroup *group)

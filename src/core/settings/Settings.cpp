@@ -1,16 +1,25 @@
 #include "core/settings/Settings.h"
 
-#include <QSettings>
+#include "core/settings/SettingsStore.h"
 
 #include <memory>
 
+namespace {
+
+SettingsStore &instance()
+{
+    static std::unique_ptr<SettingsStore> store = std::make_unique<SettingsStore>();
+    return *store;
+}
+
+} // namespace
+
 QSettings &Settings::store()
 {
-    static std::unique_ptr<QSettings> instance = std::make_unique<QSettings>();
-    return *instance;
+    return instance();
 }
 
 void Settings::sync()
 {
-    store().sync();
+    instance().writeNow();
 }

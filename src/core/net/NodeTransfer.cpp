@@ -110,10 +110,15 @@ void NodeTransfer::receiveData()
     _lastActivity.restart();
 
     // Straight from the network layer's buffer to the file: no copy of its own per delivery.
+    // At most one slice per turn of the event loop: the network layer goes on reading while the
+    // interface is busy, and Qt then hands over all that piled up in one delivery per reply, up to
+    // the read buffer's size; with several transfers running, writing all of it at once would
+    // hold up the interface in turn. The rest is read on the next turn, after what else waits.
     QByteArray &buffer = readBuffer();
     qint64 received = 0;
-    for (;;) {
-        const qint64 count = _reply->read(buffer.data(), buffer.size());
+    while (received < kSliceSize) {
+        const qint64 count =
+            _reply->read(buffer.data(), std::min<qint64>(buffer.size(), kSliceSize - received));
         if (count <= 0)
             break;
         if (_data->size() + count > kMaximumDataSize) {
@@ -125,6 +130,10 @@ void NodeTransfer::receiveData()
                                std::min(count, ContentCheck::kPrefixSize - _firstBytes.size()));
         _data->append(QByteArrayView(buffer.constData(), count));
         received += count;
+    }
+    if (!_moreWaiting && _reply->bytesAvailable() > 0) {
+        _moreWaiting = true;
+        QMetaObject::invokeMethod(this, &NodeTransfer::receiveMore, Qt::QueuedConnection);
     }
     if (received == 0 || _expectedContentLength <= 0)
         return;
@@ -139,6 +148,20 @@ void NodeTransfer::receiveData()
     emit progressed(shown);
 }
 
+void NodeTransfer::receiveMore()
+{
+    // Stopped or reset since it was asked for: nothing more is read.
+    if (!_moreWaiting)
+        return;
+    _moreWaiting = false;
+    QNetworkReply *reply = _reply;
+    if (!reply)
+        return;
+    receiveData();
+    if (_endWaiting && _reply == reply && !_moreWaiting)
+        finishReply();
+}
+
 void NodeTransfer::finishReply()
 {
     QNetworkReply *reply = _reply;
@@ -146,11 +169,17 @@ void NodeTransfer::finishReply()
         return;
     _silenceTimer->stop();
 
-    // Bytes that arrived together with the end of the transfer.
-    if (reply->bytesAvailable() > 0)
+    // Bytes that arrived together with the end of the transfer; when they are more than a slice,
+    // the end waits for the last of them.
+    _endWaiting = false;
+    if (reply->bytesAvailable() > 0 && !_moreWaiting)
         receiveData();
     if (!_active || _reply != reply)
         return;
+    if (_moreWaiting) {
+        _endWaiting = true;
+        return;
+    }
 
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (reply->error() != QNetworkReply::NoError || status >= 400) {
@@ -193,6 +222,8 @@ void NodeTransfer::fail(const QString &description)
 
 void NodeTransfer::abort()
 {
+    _moreWaiting = false;
+    _endWaiting = false;
     if (_silenceTimer)
         _silenceTimer->stop();
     if (_reply) {
@@ -222,6 +253,8 @@ QString NodeTransfer::conclude()
 
 void NodeTransfer::reset()
 {
+    _moreWaiting = false;
+    _endWaiting = false;
     if (_silenceTimer)
         _silenceTimer->stop();
     if (QNetworkReply *reply = _reply) {

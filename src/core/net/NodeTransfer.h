@@ -63,6 +63,8 @@ public:
     // fill the disk, and no real image or bulletin comes near it.
     static constexpr qint64 kMaximumDataSize = qint64(256) * 1024 * 1024;
     static constexpr qint64 kReadBufferSize = qint64(1) * 1024 * 1024;
+    // The most written out in one turn of the event loop; more waits for the next turn.
+    static constexpr qint64 kSliceSize = qint64(256) * 1024;
 
 signals:
     // The answer's headers came; the bytes are next.
@@ -78,6 +80,7 @@ signals:
 private:
     void receiveResponse();
     void receiveData();
+    void receiveMore();
     void finishReply();
     void checkSilence();
     void fail(const QString &description);
@@ -94,6 +97,10 @@ private:
     qint64 _bytesReceived = 0;
     qint64 _expectedContentLength = 0;
     int _percent = -1;
+    // A slice is left for the next turn of the event loop (receiveMore() is on its way); and the
+    // reply finished while bytes were still waiting, so its end is handled once they are written.
+    bool _moreWaiting = false;
+    bool _endWaiting = false;
     // The silence is measured from the last sign of life; the timer only looks at it now and then,
     // so that a delivery costs no more than reading this clock.
     QTimer *_silenceTimer = nullptr;

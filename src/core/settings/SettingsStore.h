@@ -4,12 +4,17 @@
 #include <QTimer>
 
 // The QSettings object behind Settings. A change is kept in memory and written out a little
-// later, together with whatever else changed meanwhile, instead of on the next turn of the event
-// loop as QSettings does by itself. Each write rewrites the whole file and waits for the disk,
-// on the main thread; with that done after every change, a few transfers ending or a user
-// clicking through the outline held up the interface once per change, for tens of milliseconds
-// on a busy disk. A process that is killed loses at most the changes of that short window;
-// anything that ends in order calls Settings::sync() first.
+// later, together with whatever else changed meanwhile, on a worker thread; QSettings by itself
+// writes on the next turn of the event loop, on the thread the object lives in. Each write
+// rewrites the whole file and waits for the disk twice (the lock file and the file itself): done
+// on the main thread after every change, a few transfers ending or a click in an outline held
+// up the interface, for a quarter of a second once on a busy disk. A process that is killed
+// loses at most the changes of that short window; anything that ends in order calls
+// Settings::sync() first, which writes at once.
+//
+// The worker writes through a QSettings object of its own for the same file: QSettings objects
+// for one file in one process share what they hold, changes not yet written included, so the
+// worker's object writes this one's changes.
 class SettingsStore : public QSettings {
     Q_OBJECT
 
@@ -20,12 +25,16 @@ public:
     SettingsStore();
     ~SettingsStore() override;
 
-    // Writes every pending change now.
+    // Writes every pending change now, on the calling thread, after a write under way elsewhere.
     void writeNow();
 
 protected:
     bool event(QEvent *event) override;
 
 private:
+    void writeInBackground();
+    void backgroundWriteDone();
+
     QTimer _writeTimer;
+    bool _writing = false;
 };

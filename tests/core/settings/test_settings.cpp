@@ -2,6 +2,7 @@
 
 #include "core/log/LogEntry.h"
 #include "core/settings/Preferences.h"
+#include "core/settings/Settings.h"
 #include "core/shell/AppCore.h"
 #include "core/sources/UpdateTimeText.h"
 
@@ -103,6 +104,18 @@ private slots:
         if (when.isValid()) // and seconds are not stored
             QCOMPARE(UpdateTimeText::longLastUpdate(when.addSecs(42)), text);
         QLocale::setDefault(saved);
+    }
+
+    // Changes reach the file a little later without anyone asking, batch after batch: a killed
+    // process loses only the last moments.
+    void changesReachTheFile()
+    {
+        for (const QByteArray value : {"first", "second"}) {
+            Settings::store().setValue(u"probe"_s, QString::fromLatin1(value));
+            QTRY_VERIFY_WITH_TIMEOUT(
+                TestEnvironment::readFile(Settings::store().fileName()).contains("probe=" + value),
+                10000);
+        }
     }
 
     void dataFolder()

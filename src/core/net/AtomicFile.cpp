@@ -2,71 +2,188 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QMutex>
+#include <QPromise>
 #include <QTemporaryFile>
+#include <QThreadPool>
+#include <QWaitCondition>
 
 #include <cstdio>
+#include <deque>
 
-AtomicFile::AtomicFile(const QString &path) : _path(path) {}
+// What the worker thread is asked to do, in order. The file itself is touched only by the one
+// job running, or by the owner's thread once no job runs (after waitUntilIdle()).
+struct AtomicFile::Writer {
+    struct Job {
+        enum class Kind { Write, Clear, Commit } kind;
+        QByteArray bytes;
+        std::shared_ptr<QPromise<bool>> result;
+    };
 
-// The temporary file, unless committed, goes with the QTemporaryFile.
-AtomicFile::~AtomicFile() = default;
+    explicit Writer(const QString &target) : path(target) {}
 
-void AtomicFile::append(QByteArrayView chunk)
+    const QString path;
+    std::unique_ptr<QTemporaryFile> file;
+    bool failed = false;
+
+    QMutex mutex;
+    QWaitCondition changed;
+    std::deque<Job> jobs;
+    qint64 pendingBytes = 0;
+    // A worker is taking jobs from the queue; it stops when it finds the queue empty.
+    bool working = false;
+
+    void write(const QByteArray &bytes)
+    {
+        if (failed)
+            return;
+        if (!file) {
+            // Opened with the first bytes: a transfer that fails before any arrive leaves
+            // nothing. The folder is made again if it went away (the user may delete the data
+            // folder at any time), so downloads go on filling it.
+            const QFileInfo target(path);
+            QDir().mkpath(target.absolutePath());
+            file = std::make_unique<QTemporaryFile>(target.absolutePath() + QLatin1Char('/') +
+                                                    target.fileName() + QStringLiteral(".XXXXXX"));
+            file->setAutoRemove(true);
+            if (!file->open()) {
+                failed = true;
+                return;
+            }
+        }
+        if (file->write(bytes) != bytes.size())
+            failed = true;
+    }
+
+    void truncate()
+    {
+        failed = false;
+        if (file && file->isOpen() && (!file->resize(0) || !file->seek(0)))
+            failed = true;
+    }
+
+    bool commit()
+    {
+        if (failed || !file || !file->flush())
+            return false;
+        // A replacement keeps the permissions of what it replaces; a new file is readable by
+        // all, as files made by the user's other programs are.
+        const QFileDevice::Permissions permissions =
+            QFileInfo::exists(path) ? QFile::permissions(path)
+                                    : QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                          QFileDevice::ReadGroup | QFileDevice::ReadOther;
+        file->setPermissions(permissions);
+        file->close();
+        if (std::rename(QFile::encodeName(file->fileName()).constData(),
+                        QFile::encodeName(path).constData()) != 0)
+            return false;
+        file->setAutoRemove(false);
+        return true;
+    }
+
+    static void enqueue(const std::shared_ptr<Writer> &writer, Job job)
+    {
+        QMutexLocker locker(&writer->mutex);
+        writer->pendingBytes += job.bytes.size();
+        writer->jobs.push_back(std::move(job));
+        if (writer->working)
+            return;
+        writer->working = true;
+        QThreadPool::globalInstance()->start([writer] { work(*writer); });
+    }
+
+    static void work(Writer &writer)
+    {
+        QMutexLocker locker(&writer.mutex);
+        while (!writer.jobs.empty()) {
+            Job job = std::move(writer.jobs.front());
+            writer.jobs.pop_front();
+            locker.unlock();
+            switch (job.kind) {
+            case Job::Kind::Write:
+                writer.write(job.bytes);
+                break;
+            case Job::Kind::Clear:
+                writer.truncate();
+                break;
+            case Job::Kind::Commit:
+                job.result->start();
+                job.result->addResult(writer.commit());
+                job.result->finish();
+                break;
+            }
+            locker.relock();
+            writer.pendingBytes -= job.bytes.size();
+            writer.changed.wakeAll();
+        }
+        writer.working = false;
+        writer.changed.wakeAll();
+    }
+
+    void waitUntilIdle()
+    {
+        QMutexLocker locker(&mutex);
+        while (working)
+            changed.wait(&mutex);
+    }
+
+    void waitForRoom()
+    {
+        QMutexLocker locker(&mutex);
+        while (pendingBytes > kMaximumPending)
+            changed.wait(&mutex);
+    }
+};
+
+AtomicFile::AtomicFile(const QString &path) : _writer(std::make_shared<Writer>(path)) {}
+
+AtomicFile::~AtomicFile()
+{
+    // The worker holds the writer until it stops; the temporary file, unless committed, goes
+    // with the writer.
+    QMutexLocker locker(&_writer->mutex);
+    for (const Writer::Job &job : _writer->jobs)
+        _writer->pendingBytes -= job.bytes.size();
+    _writer->jobs.clear();
+}
+
+void AtomicFile::append(const QByteArray &chunk)
 {
     _size += chunk.size();
-    if (_failed || chunk.isEmpty())
+    if (chunk.isEmpty())
         return;
-    if (!_file) {
-        // Opened with the first bytes: a transfer that fails before any arrive leaves nothing.
-        // The folder is made again if it went away (the user may delete the data folder at any
-        // time), so downloads go on filling it.
-        const QFileInfo target(_path);
-        QDir().mkpath(target.absolutePath());
-        _file = std::make_unique<QTemporaryFile>(target.absolutePath() + QLatin1Char('/') +
-                                                 target.fileName() + QStringLiteral(".XXXXXX"));
-        _file->setAutoRemove(true);
-        if (!_file->open()) {
-            _failed = true;
-            return;
-        }
-    }
-    if (_file->write(chunk.data(), chunk.size()) != chunk.size())
-        _failed = true;
+    _writer->waitForRoom();
+    Writer::enqueue(_writer, {Writer::Job::Kind::Write, chunk, nullptr});
 }
 
 void AtomicFile::clear()
 {
     _size = 0;
-    _failed = false;
-    if (_file && _file->isOpen() && (!_file->resize(0) || !_file->seek(0)))
-        _failed = true;
+    Writer::enqueue(_writer, {Writer::Job::Kind::Clear, {}, nullptr});
 }
 
 QByteArray AtomicFile::contents()
 {
-    if (_failed || !_file || !_file->flush() || !_file->seek(0))
+    _writer->waitUntilIdle();
+    QTemporaryFile *file = _writer->file.get();
+    if (_writer->failed || !file || !file->flush() || !file->seek(0))
         return QByteArray();
-    const QByteArray bytes = _file->readAll();
-    if (!_file->seek(_file->size()))
-        _failed = true;
+    const QByteArray bytes = file->readAll();
+    if (!file->seek(file->size()))
+        _writer->failed = true;
     return bytes;
 }
 
 bool AtomicFile::commit()
 {
-    if (_failed || !_file || !_file->flush())
-        return false;
-    // A replacement keeps the permissions of what it replaces; a new file is readable by all,
-    // as files made by the user's other programs are.
-    const QFileDevice::Permissions permissions =
-        QFileInfo::exists(_path) ? QFile::permissions(_path)
-                                 : QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                       QFileDevice::ReadGroup | QFileDevice::ReadOther;
-    _file->setPermissions(permissions);
-    _file->close();
-    if (std::rename(QFile::encodeName(_file->fileName()).constData(),
-                    QFile::encodeName(_path).constData()) != 0)
-        return false;
-    _file->setAutoRemove(false);
-    return true;
+    _writer->waitUntilIdle();
+    return _writer->commit();
+}
+
+QFuture<bool> AtomicFile::commitInBackground()
+{
+    auto result = std::make_shared<QPromise<bool>>();
+    QFuture<bool> future = result->future();
+    Writer::enqueue(_writer, {Writer::Job::Kind::Commit, {}, std::move(result)});
+    return future;
 }

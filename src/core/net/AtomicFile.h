@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QByteArrayView>
+#include <QByteArray>
+#include <QFuture>
 #include <QString>
 
 #include <memory>
-
-class QTemporaryFile;
 
 // A data file's replacement, written while its bytes arrive and put in place in one step: anyone
 // reading the data file sees the old file or the new one, never part of either, also when the
@@ -16,37 +15,47 @@ class QTemporaryFile;
 // before the rename, so a killed transfer leaves nothing behind; elsewhere the file has its name
 // from the start, and the next start removes what a killed one left (AppCore).
 //
-// Writing as the bytes arrive keeps a large transfer out of memory and spreads the cost of
-// writing it over its deliveries, instead of one long pause of the event loop at the end.
+// Writing as the bytes arrive keeps a large transfer out of memory. The writing itself, and the
+// rename at the end, happen on a worker thread, in the order they were asked for: a write can
+// wait for the disk for tens of milliseconds when it is busy, and a rename over an existing file
+// makes the file system put the new file's blocks in place first. The caller never waits for the
+// disk, except when more than kMaximumPending bytes are still waiting for it (a disk slower than
+// the network: the transfer then slows to the disk's pace instead of filling memory) and in the
+// calls that need the bytes on disk (contents(), commit()).
 //
 // The data is not forced to the disk before the rename. A data file is a cache of something the
-// network can give again; waiting for the disk on every download stalled the event loop for
-// tens of milliseconds per file, up to a second on a busy disk, and would buy only survival of a
+// network can give again; waiting for the disk on every download would buy only survival of a
 // power cut.
 class AtomicFile {
 public:
     explicit AtomicFile(const QString &path);
+    // Whatever was not yet written is dropped; a commit already under way still ends.
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
 
+    static constexpr qint64 kMaximumPending = qint64(4) * 1024 * 1024;
+
     // Adds bytes at the end. A failure to write is remembered for commit(); the bytes still
     // count in size(), which is what the transfer delivered.
-    void append(QByteArrayView chunk);
+    void append(const QByteArray &chunk);
     // Forgets everything appended so far.
     void clear();
     // Reads back what was appended so far (nothing when a write failed), for a check of the
-    // whole body before commit().
+    // whole body before commit(). Waits for the writes.
     QByteArray contents();
     qint64 size() const { return _size; }
     bool isEmpty() const { return _size == 0; }
     // Puts the bytes in place of the target; false (and the target untouched) when any write
-    // failed or the rename did.
+    // failed or the rename did. Waits for the writes and the rename.
     bool commit();
+    // The same, after the writes asked for so far, without waiting: the result comes with the
+    // future (which is cancelled instead when this object goes first).
+    QFuture<bool> commitInBackground();
 
 private:
-    QString _path;
-    std::unique_ptr<QTemporaryFile> _file;
+    struct Writer;
+
+    std::shared_ptr<Writer> _writer;
     qint64 _size = 0;
-    bool _failed = false;
 };

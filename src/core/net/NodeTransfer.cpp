@@ -12,20 +12,10 @@
 
 #include <limits>
 
-namespace {
-
-// Where every delivery is read to on its way to the disk, a piece at a time. All transfers run on
-// the main thread, and each delivery is written out before anything else can run, so they can
-// share it. It is small enough to stay in the processor's cache between the two copies.
-QByteArray &readBuffer()
+NodeTransfer::NodeTransfer(QObject *parent) : QObject(parent)
 {
-    thread_local QByteArray buffer(64 * 1024, Qt::Uninitialized);
-    return buffer;
+    connect(&_commit, &QFutureWatcherBase::finished, this, &NodeTransfer::commitDone);
 }
-
-} // namespace
-
-NodeTransfer::NodeTransfer(QObject *parent) : QObject(parent) {}
 
 NodeTransfer::~NodeTransfer()
 {
@@ -109,27 +99,23 @@ void NodeTransfer::receiveData()
         return;
     _lastActivity.restart();
 
-    // Straight from the network layer's buffer to the file: no copy of its own per delivery.
-    // At most one slice per turn of the event loop: the network layer goes on reading while the
-    // interface is busy, and Qt then hands over all that piled up in one delivery per reply, up to
-    // the read buffer's size; with several transfers running, writing all of it at once would
-    // hold up the interface in turn. The rest is read on the next turn, after what else waits.
-    QByteArray &buffer = readBuffer();
-    qint64 received = 0;
-    while (received < kSliceSize) {
-        const qint64 count =
-            _reply->read(buffer.data(), std::min<qint64>(buffer.size(), kSliceSize - received));
-        if (count <= 0)
-            break;
-        if (_data->size() + count > kMaximumDataSize) {
+    // The network layer's bytes go to the thread that writes the file in one piece per turn: one
+    // copy on the way, no waiting for the disk here. At most one slice per turn of the event
+    // loop: the network layer goes on reading while the interface is busy, and Qt then hands over
+    // all that piled up in one delivery per reply, up to the read buffer's size; with several
+    // transfers running, taking all of it at once would hold up the interface in turn. The rest
+    // is read on the next turn, after what else waits.
+    const qint64 count = std::min(_reply->bytesAvailable(), kSliceSize);
+    const QByteArray slice = count > 0 ? _reply->read(count) : QByteArray();
+    const qint64 received = slice.size();
+    if (received > 0) {
+        if (_data->size() + received > kMaximumDataSize) {
             fail(QStringLiteral("The data grew past the 256 MB limit."));
             return;
         }
         if (_firstBytes.size() < ContentCheck::kPrefixSize)
-            _firstBytes.append(buffer.constData(),
-                               std::min(count, ContentCheck::kPrefixSize - _firstBytes.size()));
-        _data->append(QByteArrayView(buffer.constData(), count));
-        received += count;
+            _firstBytes.append(slice.left(ContentCheck::kPrefixSize - _firstBytes.size()));
+        _data->append(slice);
     }
     if (!_moreWaiting && _reply->bytesAvailable() > 0) {
         _moreWaiting = true;
@@ -224,6 +210,7 @@ void NodeTransfer::abort()
 {
     _moreWaiting = false;
     _endWaiting = false;
+    _committing = false;
     if (_silenceTimer)
         _silenceTimer->stop();
     if (_reply) {
@@ -232,29 +219,45 @@ void NodeTransfer::abort()
     }
 }
 
-QString NodeTransfer::conclude()
+void NodeTransfer::conclude()
 {
+    QString problem;
     if (_data->isEmpty())
-        return QStringLiteral("data length is zero (the file may not be available at this time)");
-    if (_data->size() != _expectedContentLength && !_request.overrideDataMismatch)
-        return QStringLiteral("data length does not match expected size (the file may not be "
-                              "available at this time)");
-    if (!ContentCheck::isExpected(_request.fileType, _firstBytes))
-        return QStringLiteral("the server sent something other than the expected file");
-    if (_request.finalCheck) {
+        problem =
+            QStringLiteral("data length is zero (the file may not be available at this time)");
+    else if (_data->size() != _expectedContentLength && !_request.overrideDataMismatch)
+        problem = QStringLiteral("data length does not match expected size (the file may not be "
+                                 "available at this time)");
+    else if (!ContentCheck::isExpected(_request.fileType, _firstBytes))
+        problem = QStringLiteral("the server sent something other than the expected file");
+    else if (_request.finalCheck) {
         const QByteArray encoding = _reply ? _reply->rawHeader("Content-Encoding") : QByteArray();
-        if (const QString problem = _request.finalCheck(encoding, *_data); !problem.isEmpty())
-            return problem;
+        problem = _request.finalCheck(encoding, *_data);
     }
-    if (!_data->commit())
-        return QStringLiteral("unable to write file");
-    return QString();
+    if (!problem.isEmpty()) {
+        emit concluded(problem);
+        return;
+    }
+    _committing = true;
+    _commit.setFuture(_data->commitInBackground());
+}
+
+void NodeTransfer::commitDone()
+{
+    // Reset or stopped since: nobody waits for this any more.
+    const QFuture<bool> result = _commit.future();
+    if (!_committing || !result.isFinished())
+        return;
+    _committing = false;
+    const bool committed = !result.isCanceled() && result.resultCount() > 0 && result.result();
+    emit concluded(committed ? QString() : QStringLiteral("unable to write file"));
 }
 
 void NodeTransfer::reset()
 {
     _moreWaiting = false;
     _endWaiting = false;
+    _committing = false;
     if (_silenceTimer)
         _silenceTimer->stop();
     if (QNetworkReply *reply = _reply) {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <QFutureWatcher>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -16,8 +17,8 @@ class QTimer;
 // One download of a node's data: the request, the bytes written to the data file's replacement
 // as they arrive, the checks once they are all in (something came, as much as was declared, the
 // kind of file the node expects) and the replacement of the data file. It tells its node what
-// happens through its signals, synchronously; the node keeps the status, the schedule and the
-// reports. Every failure comes with its reason, worded as the end of the activity log's line
+// happens through its signals; the node keeps the status, the schedule and the reports. Every
+// failure comes with its reason, worded as the end of the activity log's line
 // "Download of "name" Failed: reason".
 //
 // Its signals arrive from inside the reply's own signals, and the node may reset() the transfer
@@ -51,9 +52,10 @@ public:
     bool isActive() const { return _active; }
     // Stops the network side at once: no signal comes after this. The data file is untouched.
     void abort();
-    // Once arrived() was signalled: the checks, then the data file replaced if they pass.
-    // Empty on success, otherwise the reason.
-    QString conclude();
+    // Once arrived() was signalled: the checks, then the data file replaced if they pass, on the
+    // thread that writes it. concluded() tells how it ended: at once when a check fails, once the
+    // data file is in place otherwise.
+    void conclude();
     // Ends the transfer and forgets it; isActive() is false from here on.
     void reset();
 
@@ -76,6 +78,8 @@ signals:
     void arrived();
     // The transfer failed on the way; it has stopped.
     void failed(const QString &reason);
+    // After conclude(): empty when the data file was replaced, otherwise the reason it was not.
+    void concluded(const QString &problem);
 
 private:
     void receiveResponse();
@@ -83,6 +87,7 @@ private:
     void receiveMore();
     void finishReply();
     void checkSilence();
+    void commitDone();
     void fail(const QString &description);
 
     Request _request;
@@ -92,8 +97,6 @@ private:
     std::unique_ptr<AtomicFile> _data;
     // The first bytes of the same answer, kept for the content check at the end.
     QByteArray _firstBytes;
-    // Where each delivery is read to, kept from one to the next.
-    QByteArray _chunk;
     qint64 _bytesReceived = 0;
     qint64 _expectedContentLength = 0;
     int _percent = -1;
@@ -105,4 +108,7 @@ private:
     // so that a delivery costs no more than reading this clock.
     QTimer *_silenceTimer = nullptr;
     QElapsedTimer _lastActivity;
+    // The replacement of the data file, under way on the writing thread.
+    QFutureWatcher<bool> _commit;
+    bool _committing = false;
 };

@@ -150,6 +150,7 @@ void Node::beginDownloadingData()
                 [this](int percent) { setState(State::Receiving, percent); });
         connect(_transfer.get(), &NodeTransfer::arrived, this, &Node::connectionDidFinishLoading);
         connect(_transfer.get(), &NodeTransfer::failed, this, &Node::connectionDidFail);
+        connect(_transfer.get(), &NodeTransfer::concluded, this, &Node::transferConcluded);
     }
 
     // Always some time-out: one silent server must not hold up its view's queue for ever. Very
@@ -199,8 +200,11 @@ void Node::connectionDidFinishLoading()
     // The attempt is the last update, whatever comes of it.
     setLastUpdateNow();
     calculateNextUpdate();
+    _transfer->conclude();
+}
 
-    const QString problem = _transfer->conclude();
+void Node::transferConcluded(const QString &problem)
+{
     if (problem.isEmpty()) {
         _lastFailure.clear();
         setState(State::Done);

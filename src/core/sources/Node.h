@@ -115,6 +115,7 @@ private:
     void setState(State state, int percent = -1);
     void failAtStart(const QString &error);
     void connectionDidFinishLoading();
+    void transferConcluded(const QString &problem);
     void connectionDidFail(const QString &reason);
     void reportFailure(const QString &error);
 

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <deque>
+#include <utility>
 
 // What the worker thread is asked to do, in order. The file itself is touched only by the one
 // job running, or by the owner's thread once no job runs (after waitUntilIdle()).
@@ -147,23 +148,36 @@ AtomicFile::~AtomicFile()
     _writer->jobs.clear();
 }
 
-void AtomicFile::append(const QByteArray &chunk)
+void AtomicFile::append(QByteArrayView chunk)
 {
     _size += chunk.size();
     if (chunk.isEmpty())
         return;
+    if (_gathered.isEmpty())
+        _gathered.reserve(std::max(kHandOverSize, chunk.size()));
+    _gathered.append(chunk);
+    if (_gathered.size() >= kHandOverSize)
+        handOver();
+}
+
+void AtomicFile::handOver()
+{
+    if (_gathered.isEmpty())
+        return;
     _writer->waitForRoom();
-    Writer::enqueue(_writer, {Writer::Job::Kind::Write, chunk, nullptr});
+    Writer::enqueue(_writer, {Writer::Job::Kind::Write, std::exchange(_gathered, {}), nullptr});
 }
 
 void AtomicFile::clear()
 {
     _size = 0;
+    _gathered.clear();
     Writer::enqueue(_writer, {Writer::Job::Kind::Clear, {}, nullptr});
 }
 
 QByteArray AtomicFile::contents()
 {
+    handOver();
     _writer->waitUntilIdle();
     QTemporaryFile *file = _writer->file.get();
     if (_writer->failed || !file || !file->flush() || !file->seek(0))
@@ -176,12 +190,14 @@ QByteArray AtomicFile::contents()
 
 bool AtomicFile::commit()
 {
+    handOver();
     _writer->waitUntilIdle();
     return _writer->commit();
 }
 
 QFuture<bool> AtomicFile::commitInBackground()
 {
+    handOver();
     auto result = std::make_shared<QPromise<bool>>();
     QFuture<bool> future = result->future();
     Writer::enqueue(_writer, {Writer::Job::Kind::Commit, {}, std::move(result)});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QFuture>
 #include <QString>
 
@@ -35,10 +36,13 @@ public:
     AtomicFile &operator=(const AtomicFile &) = delete;
 
     static constexpr qint64 kMaximumPending = qint64(4) * 1024 * 1024;
+    // Small pieces are gathered to this size before they go to the worker, so that it is woken
+    // once per piece of this size, not once per network delivery.
+    static constexpr qint64 kHandOverSize = qint64(64) * 1024;
 
     // Adds bytes at the end. A failure to write is remembered for commit(); the bytes still
     // count in size(), which is what the transfer delivered.
-    void append(const QByteArray &chunk);
+    void append(QByteArrayView chunk);
     // Forgets everything appended so far.
     void clear();
     // Reads back what was appended so far (nothing when a write failed), for a check of the
@@ -56,6 +60,10 @@ public:
 private:
     struct Writer;
 
+    // Gives the gathered bytes to the worker.
+    void handOver();
+
     std::shared_ptr<Writer> _writer;
+    QByteArray _gathered;
     qint64 _size = 0;
 };

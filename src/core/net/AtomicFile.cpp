@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QIODevice>
 #include <QMutex>
 #include <QPromise>
 #include <QTemporaryFile>
@@ -158,6 +159,27 @@ void AtomicFile::append(QByteArrayView chunk)
     _gathered.append(chunk);
     if (_gathered.size() >= kHandOverSize)
         handOver();
+}
+
+qint64 AtomicFile::appendFrom(QIODevice &device, qint64 maxSize)
+{
+    if (maxSize <= 0)
+        return 0;
+    // Room for the bytes without moving what is gathered already.
+    if (!_gathered.isEmpty() && _gathered.size() + maxSize > _gathered.capacity())
+        handOver();
+    if (_gathered.isEmpty())
+        _gathered.reserve(std::max(kHandOverSize, maxSize));
+    const qsizetype gathered = _gathered.size();
+    _gathered.resize(gathered + maxSize);
+    const qint64 count = device.read(_gathered.data() + gathered, maxSize);
+    _gathered.resize(gathered + std::max<qint64>(count, 0));
+    if (count > 0) {
+        _size += count;
+        if (_gathered.size() >= kHandOverSize)
+            handOver();
+    }
+    return count;
 }
 
 void AtomicFile::handOver()

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class QIODevice;
+
 // A data file's replacement, written while its bytes arrive and put in place in one step: anyone
 // reading the data file sees the old file or the new one, never part of either, also when the
 // process is killed in the middle. The bytes go to a temporary file in the target's folder, which
@@ -38,11 +40,14 @@ public:
     static constexpr qint64 kMaximumPending = qint64(4) * 1024 * 1024;
     // Small pieces are gathered to this size before they go to the worker, so that it is woken
     // once per piece of this size, not once per network delivery.
-    static constexpr qint64 kHandOverSize = qint64(64) * 1024;
+    static constexpr qint64 kHandOverSize = qint64(256) * 1024;
 
     // Adds bytes at the end. A failure to write is remembered for commit(); the bytes still
     // count in size(), which is what the transfer delivered.
     void append(QByteArrayView chunk);
+    // The same for at most maxSize bytes read from the device, read straight to where they wait
+    // for the worker; how many were read (0 or less: none, as QIODevice::read() says).
+    qint64 appendFrom(QIODevice &device, qint64 maxSize);
     // Forgets everything appended so far.
     void clear();
     // Reads back what was appended so far (nothing when a write failed), for a check of the

@@ -12,19 +12,6 @@
 
 #include <limits>
 
-namespace {
-
-// Where every delivery is read to on its way to the data file, a piece at a time. All transfers
-// run on the main thread, and each piece is handed on before anything else can run, so they can
-// share it. It is small enough to stay in the processor's cache between the two copies.
-QByteArray &readBuffer()
-{
-    thread_local QByteArray buffer(64 * 1024, Qt::Uninitialized);
-    return buffer;
-}
-
-} // namespace
-
 NodeTransfer::NodeTransfer(QObject *parent) : QObject(parent)
 {
     connect(&_commit, &QFutureWatcherBase::finished, this, &NodeTransfer::commitDone);
@@ -112,32 +99,39 @@ void NodeTransfer::receiveData()
         return;
     _lastActivity.restart();
 
-    // From the network layer's buffer to the data file, which hands the bytes to the thread that
-    // writes them: no waiting for the disk here. At most one slice per turn of the event loop:
-    // the network layer goes on reading while the interface is busy, and Qt then hands over all
-    // that piled up in one delivery per reply, up to the read buffer's size; with several
-    // transfers running, taking all of it at once would hold up the interface in turn. The rest
-    // is read on the next turn, after what else waits. Whatever the network layer holds beyond
-    // the read buffer's size is taken at once all the same: Qt does not always keep to that size
-    // (now and then a fast server's answer piles up in it without limit, also after the answer
-    // has begun), and memory must stay bounded whatever it does.
-    QByteArray &buffer = readBuffer();
+    // From the network layer's buffer straight into the data file's, which hands the bytes to the
+    // thread that writes them: one copy, no waiting for the disk here. At most one slice per turn
+    // of the event loop: the network layer goes on reading while the interface is busy, and Qt
+    // then hands over all that piled up in one delivery per reply, up to the read buffer's size;
+    // with several transfers running, taking all of it at once would hold up the interface in
+    // turn. The rest is read on the next turn, after what else waits. Whatever the network layer
+    // holds beyond the read buffer's size is taken at once all the same: Qt does not always keep
+    // to that size (now and then a fast server's answer piles up in it without limit, also after
+    // the answer has begun), and memory must stay bounded whatever it does.
     qint64 received = 0;
-    while (received < kSliceSize || _reply->bytesAvailable() > kReadBufferSize) {
-        const qint64 wanted = received < kSliceSize ? kSliceSize - received : buffer.size();
-        const qint64 count = _reply->read(buffer.data(), std::min<qint64>(buffer.size(), wanted));
-        if (count <= 0)
+    for (;;) {
+        const qint64 available = _reply->bytesAvailable();
+        const qint64 wanted = received < kSliceSize
+                                  ? std::min(available, kSliceSize - received)
+                                  : std::min(available - kReadBufferSize, kSliceSize);
+        if (wanted <= 0)
             break;
-        if (_data->size() + count > kMaximumDataSize) {
+        if (_data->size() + wanted > kMaximumDataSize) {
             fail(QStringLiteral("The data grew past the 256 MB limit."));
             return;
         }
         if (_firstBytes.size() < ContentCheck::kPrefixSize)
-            _firstBytes.append(buffer.constData(),
-                               std::min(count, ContentCheck::kPrefixSize - _firstBytes.size()));
-        _data->append(QByteArrayView(buffer.constData(), count));
+            _firstBytes.append(
+                _reply->peek(std::min(wanted, ContentCheck::kPrefixSize - _firstBytes.size())));
+        const qint64 count = _data->appendFrom(*_reply, wanted);
+        if (count <= 0)
+            break;
         received += count;
     }
+    // Handing the bytes on may have waited for the disk (see AtomicFile): that was no silence of
+    // the server's.
+    if (received > 0)
+        _lastActivity.restart();
     if (!_moreWaiting && _reply->bytesAvailable() > 0) {
         _moreWaiting = true;
         QMetaObject::invokeMethod(this, &NodeTransfer::receiveMore, Qt::QueuedConnection);

@@ -76,6 +76,13 @@ struct AtomicFile::Writer {
                                           QFileDevice::ReadGroup | QFileDevice::ReadOther;
         file->setPermissions(permissions);
         file->close();
+        // From here until the rename the file has a name that a killed process would leave
+        // behind. Two workers putting files in place in one folder at the same time wait for each
+        // other inside the system calls, with the name made or about to be, for as long as a
+        // rename takes (ext4 puts the new file's blocks in place first: milliseconds); they wait
+        // here instead, before any name is made.
+        static QBasicMutex renaming;
+        const QMutexLocker locker(&renaming);
         if (std::rename(QFile::encodeName(file->fileName()).constData(),
                         QFile::encodeName(path).constData()) != 0)
             return false;

@@ -1,7 +1,11 @@
 #include "core/settings/SettingsStore.h"
 
+#include <QDateTime>
 #include <QEvent>
+#include <QFileInfo>
 #include <QThreadPool>
+
+#include <utility>
 
 SettingsStore::SettingsStore()
 {
@@ -31,7 +35,9 @@ bool SettingsStore::event(QEvent *event)
     // has. Here the request only starts the wait. A request only arrives while an event loop
     // runs, so the timer has one to run in.
     if (event->type() == QEvent::UpdateRequest) {
-        if (!_writing && !_writeTimer.isActive())
+        if (_writing)
+            _changedWhileWriting = true;
+        else if (!_writeTimer.isActive())
             _writeTimer.start();
         return true;
     }
@@ -44,16 +50,28 @@ void SettingsStore::writeInBackground()
     const QString path = fileName();
     const Format fileFormat = format();
     QThreadPool::globalInstance()->start([this, path, fileFormat] {
+        const auto stamp = [&path] {
+            const QFileInfo file(path);
+            return std::pair(file.size(), file.lastModified());
+        };
+        const auto before = stamp();
         QSettings(path, fileFormat).sync();
-        QMetaObject::invokeMethod(this, &SettingsStore::backgroundWriteDone, Qt::QueuedConnection);
+        const bool wrote = stamp() != before;
+        QMetaObject::invokeMethod(
+            this, [this, wrote] { backgroundWriteDone(wrote); }, Qt::QueuedConnection);
     });
 }
 
-void SettingsStore::backgroundWriteDone()
+void SettingsStore::backgroundWriteDone(bool wrote)
 {
     _writing = false;
-    // This object still counts its changes as pending, and would ask for no write of the next
-    // ones: after the worker's write this finds nothing left to write (only a change made in the
-    // moment since is written here) and starts counting again.
-    sync();
+    const bool changed = std::exchange(_changedWhileWriting, false);
+    // This object still counts its changes as pending and asks for no write of the next ones.
+    // Changes made while the worker wrote are looked for again a little later, on the worker too;
+    // once it finds nothing left to write, this object starts counting again (its sync() then
+    // only looks at the file, and writes here only a change made in the moment since).
+    if (wrote || changed)
+        _writeTimer.start();
+    else
+        sync();
 }

@@ -14,7 +14,7 @@
 //
 // The worker writes through a QSettings object of its own for the same file: QSettings objects
 // for one file in one process share what they hold, changes not yet written included, so the
-// worker's object writes this one's changes.
+// worker's object writes this one's changes. While it writes, a read or change here waits for it.
 class SettingsStore : public QSettings {
     Q_OBJECT
 
@@ -33,8 +33,10 @@ protected:
 
 private:
     void writeInBackground();
-    void backgroundWriteDone();
+    void backgroundWriteDone(bool wrote);
 
     QTimer _writeTimer;
     bool _writing = false;
+    // Written at once (writeNow()) and changed again while the worker wrote.
+    bool _changedWhileWriting = false;
 };

@@ -3,6 +3,7 @@
 #include "core/log/LogEntry.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
+#include "core/settings/SettingsStore.h"
 #include "core/shell/AppCore.h"
 #include "core/sources/UpdateTimeText.h"
 
@@ -106,11 +107,13 @@ private slots:
         QLocale::setDefault(saved);
     }
 
-    // Changes reach the file a little later without anyone asking, batch after batch: a killed
-    // process loses only the last moments.
+    // Changes reach the file a little later without anyone asking, also once the store has
+    // gone quiet after a write: a killed process loses only the last moments.
     void changesReachTheFile()
     {
         for (const QByteArray value : {"first", "second"}) {
+            if (value == "second") // the store looks once more, finds nothing, and goes quiet
+                QTest::qWait(SettingsStore::kWriteDelayMilliseconds + 500);
             Settings::store().setValue(u"probe"_s, QString::fromLatin1(value));
             QTRY_VERIFY_WITH_TIMEOUT(
                 TestEnvironment::readFile(Settings::store().fileName()).contains("probe=" + value),

@@ -1,6 +1,7 @@
 #include "cli/FetchCommand.h"
 
 #include "core/log/ConsoleLogSink.h"
+#include "core/net/AtomicFile.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
 #include "core/shell/AppCore.h"
@@ -63,6 +64,9 @@ int FetchCommand::execute(const QCommandLineParser &parser, const SharedOptions 
     if (wanted.isEmpty())
         wanted = groupNames();
 
+    // Nothing waits for this thread: data files are written here, without a hop to another
+    // thread for every piece.
+    AtomicFile::setWriting(AtomicFile::Writing::InPlace);
     options.applyDefinitionsFolder();
     Preferences::shared().loadPreferences(Settings::store());
     if (options.timeoutSeconds)

@@ -9,9 +9,16 @@
 #include <QThreadPool>
 #include <QWaitCondition>
 
+#include <atomic>
 #include <cstdio>
 #include <deque>
 #include <utility>
+
+namespace {
+
+std::atomic<AtomicFile::Writing> writing = AtomicFile::Writing::OnWorkerThread;
+
+} // namespace
 
 // What the worker thread is asked to do, in order. The file itself is touched only by the one
 // job running, or by the owner's thread once no job runs (after waitUntilIdle()).
@@ -98,6 +105,11 @@ struct AtomicFile::Writer {
         if (writer->working)
             return;
         writer->working = true;
+        if (writing == Writing::InPlace) {
+            locker.unlock();
+            work(*writer);
+            return;
+        }
         QThreadPool::globalInstance()->start([writer] { work(*writer); });
     }
 
@@ -143,6 +155,11 @@ struct AtomicFile::Writer {
             changed.wait(&mutex);
     }
 };
+
+void AtomicFile::setWriting(Writing where)
+{
+    writing = where;
+}
 
 AtomicFile::AtomicFile(const QString &path) : _writer(std::make_shared<Writer>(path)) {}
 

@@ -24,7 +24,9 @@ class QIODevice;
 // makes the file system put the new file's blocks in place first. The caller never waits for the
 // disk, except when more than kMaximumPending bytes are still waiting for it (a disk slower than
 // the network: the transfer then slows to the disk's pace instead of filling memory) and in the
-// calls that need the bytes on disk (contents(), commit()).
+// calls that need the bytes on disk (contents(), commit()). A program without an interface may
+// have the writing done in place instead (setWriting()): nothing waits for its main thread, and
+// handing every piece to another thread only costs time.
 //
 // The data is not forced to the disk before the rename. A data file is a cache of something the
 // network can give again; waiting for the disk on every download would buy only survival of a
@@ -36,6 +38,10 @@ public:
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
+
+    enum class Writing { OnWorkerThread, InPlace };
+    // For the whole process, before the first file is written.
+    static void setWriting(Writing writing);
 
     static constexpr qint64 kMaximumPending = qint64(4) * 1024 * 1024;
     // Small pieces are gathered to this size before they go to the worker, so that it is woken
@@ -59,7 +65,8 @@ public:
     // failed or the rename did. Waits for the writes and the rename.
     bool commit();
     // The same, after the writes asked for so far, without waiting: the result comes with the
-    // future (which is cancelled instead when this object goes first).
+    // future (which is cancelled instead when this object goes first). Written in place, the
+    // future is finished on return.
     QFuture<bool> commitInBackground();
 
 private:

@@ -254,7 +254,12 @@ void NodeTransfer::conclude()
         return;
     }
     _committing = true;
-    _commit.setFuture(_data->commitInBackground());
+    const QFuture<bool> committed = _data->commitInBackground();
+    _commit.setFuture(committed);
+    // Written in place, it is done already: the end comes now, as it would with the file
+    // written here.
+    if (committed.isFinished())
+        commitDone();
 }
 
 void NodeTransfer::commitDone()

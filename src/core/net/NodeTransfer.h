@@ -65,7 +65,8 @@ public:
     // fill the disk, and no real image or bulletin comes near it.
     static constexpr qint64 kMaximumDataSize = qint64(256) * 1024 * 1024;
     static constexpr qint64 kReadBufferSize = qint64(1) * 1024 * 1024;
-    // The most written out in one turn of the event loop; more waits for the next turn.
+    // The most taken from the network layer in one turn of the event loop; more waits for the
+    // next turn.
     static constexpr qint64 kSliceSize = qint64(256) * 1024;
 
 signals:

@@ -10,6 +10,7 @@ VANTOREL_BUILD="${VANTOREL_BUILD:-$VANTOREL_ROOT/build}"
 VANTOREL_PACKAGES=(
     g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
+    qt6-charts-dev libqt6opengl6-dev  # the Now view's charts (their CMake files need Qt OpenGL's)
     libqt6sql6-sqlite  # the local history's database driver, loaded at run time
     libplist-dev zlib1g-dev
     fonts-dejavu-core

@@ -15,6 +15,7 @@
 #include "ui/common/NamedImage.h"
 #include "ui/log/ActivityLog.h"
 #include "ui/moon/MoonView.h"
+#include "ui/now/NowView.h"
 #include "ui/shell/AboutBox.h"
 #include "ui/shell/MainToolbar.h"
 #include "ui/shell/MainViews.h"
@@ -514,6 +515,8 @@ void AppController::applicationWillTerminate()
         alerts->cleanup();
     if (MoonView *moon = _views->moonView())
         moon->cleanup();
+    if (NowView *now = _views->nowView())
+        now->cleanup();
 
     stopScheduler();
     _log->saveWindowFrame();

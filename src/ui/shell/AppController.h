@@ -24,7 +24,7 @@ class QMessageBox;
 class QUrl;
 class QWidget;
 
-// The application's single controller: it builds the main window with its six views, the
+// The application's single controller: it builds the main window with its seven views, the
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
 // sequences; and answers the global settings that every view and node reads.
 //
@@ -134,7 +134,7 @@ public:
     AboutBox *aboutBox();
     NodeScheduler *nodeScheduler();
     MainToolbar *mainToolbar() const { return _toolbar; }
-    // Menu items by their tag (766 zoom, 767 save a copy, 0 to 5 the views).
+    // Menu items by their tag (766 zoom, 767 save a copy, 0 to 6 the views).
     QAction *menuItem(int tag) const;
     // The Node menu's items without a tag.
     QAction *reloadItem() const;
@@ -179,7 +179,7 @@ private:
     MainWindow *_window = nullptr;
     MainToolbar *_toolbar = nullptr;
 
-    // The six views (_sunView to _moonView), built as they are needed.
+    // The seven views (_sunView to the Now view), built as they are needed.
     MainViews *_views = nullptr;
     QString _defaultDescription;
     GroupView *_selectedGroupView = nullptr;

@@ -204,6 +204,7 @@ void AppController::connectMenus()
         {Command::GoOnline, &AppController::goOnline},
         {Command::GoOffline, &AppController::goOffline},
         {Command::EmptyCache, &AppController::emptyCache},
+        {Command::ClearHistory, &AppController::clearHistory},
         {Command::Reload, &AppController::refreshSelectedNodeData},
         {Command::CancelDownload, &AppController::cancelSelectedNodeDownload},
         {Command::Reveal, &AppController::revealSelectedNodeData},
@@ -755,30 +756,49 @@ void AppController::runAllScheduledUpdates()
     _core->runAllScheduledUpdates();
 }
 
-std::unique_ptr<QMessageBox> AppController::makeEmptyCacheAlert(QWidget *parent)
+std::unique_ptr<QMessageBox> AppController::makeConfirmation(QWidget *parent, const QString &title,
+                                                             const QString &text,
+                                                             const QString &informativeText,
+                                                             const QString &accept)
 {
     auto alert = std::make_unique<QMessageBox>(parent);
     alert->setIcon(QMessageBox::Warning);
-    alert->setWindowTitle(tr("Empty Cache"));
-    alert->setText(QStringLiteral("Do you really want to empty the Vantorel cache?"));
-    alert->setInformativeText(QStringLiteral("This will require all data to be reloaded before "
-                                             "being viewed, and all current downloads will be "
-                                             "stopped."));
-    QPushButton *empty = alert->addButton(QStringLiteral("Empty"), QMessageBox::AcceptRole);
+    alert->setWindowTitle(title);
+    alert->setText(text);
+    alert->setInformativeText(informativeText);
+    QPushButton *button = alert->addButton(accept, QMessageBox::AcceptRole);
     alert->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    alert->setDefaultButton(empty);
+    alert->setDefaultButton(button);
     alert->setWindowModality(Qt::WindowModal);
     return alert;
 }
 
 void AppController::emptyCache()
 {
-    const std::unique_ptr<QMessageBox> alert = makeEmptyCacheAlert(_window);
+    const auto alert = makeConfirmation(
+        _window, tr("Empty Cache"),
+        QStringLiteral("Do you really want to empty the Vantorel cache?"),
+        QStringLiteral("This will require all data to be reloaded before being viewed, and all "
+                       "current downloads will be stopped."),
+        QStringLiteral("Empty"));
     alert->exec();
     if (alert->clickedButton() != alert->defaultButton())
         return;
     finishLaunching();
     _core->emptyGroupCaches();
+}
+
+void AppController::clearHistory()
+{
+    const auto alert = makeConfirmation(
+        _window, tr("Clear History"), tr("Do you really want to clear the history?"),
+        tr("The Now view's charts will lose every value kept from earlier downloads and start "
+           "again from the data files on disk."),
+        tr("Clear"));
+    alert->exec();
+    if (alert->clickedButton() != alert->defaultButton())
+        return;
+    _core->clearHistory();
 }
 
 void AppController::zoomSelectedNodeData()

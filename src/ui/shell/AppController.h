@@ -97,10 +97,16 @@ public:
     void goOnline();
     void goOffline();
     void toggleOnlineStatus();
-    // Asks the user first (the alert's default button empties, the other cancels).
+    // Both ask the user first (the alert's default button goes ahead, the other cancels). Emptying
+    // the cache leaves the history of the Now data alone; clearing the history leaves the data
+    // files alone.
     void emptyCache();
-    // The alert emptyCache() shows, for a caller that wants to present it.
-    static std::unique_ptr<QMessageBox> makeEmptyCacheAlert(QWidget *parent);
+    void clearHistory();
+    // A window-modal question whose default button, named `accept`, goes ahead.
+    static std::unique_ptr<QMessageBox> makeConfirmation(QWidget *parent, const QString &title,
+                                                         const QString &text,
+                                                         const QString &informativeText,
+                                                         const QString &accept);
     // Act on the image view shown, if any.
     void zoomSelectedNodeData();
     void saveSelectedNodeData();

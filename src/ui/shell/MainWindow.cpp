@@ -71,6 +71,7 @@ void MainWindow::buildMenus()
     add(data, Command::GoOffline, tr("Go O&ffline"));
     data->addSeparator();
     add(data, Command::EmptyCache, tr("&Empty Cache…"));
+    add(data, Command::ClearHistory, tr("Clear &History…"));
 
     QMenu *node = bar->addMenu(tr("&Node"));
     add(node, Command::Reload, tr("&Reload"), QKeySequence::Refresh);

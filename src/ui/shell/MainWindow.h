@@ -35,6 +35,7 @@ public:
         GoOnline,
         GoOffline,
         EmptyCache,
+        ClearHistory,
         Reload,
         CancelDownload,
         Reveal,

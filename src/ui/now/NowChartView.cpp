@@ -72,10 +72,6 @@ void NowChartView::setKey(const QList<std::pair<QString, QColor>> &key)
 
 void NowChartView::fillTimeAxis()
 {
-    for (const QString &label : _timeAxis->categoriesLabels())
-        _timeAxis->remove(label);
-    _timeAxis->setRange(double(_from) * 1000.0, double(_to) * 1000.0);
-    _timeAxis->setStartValue(double(_from) * 1000.0);
 
     // A label every so many hours or days, as many as fit, at round times of UTC.
     constexpr qint64 hour = 3600;
@@ -92,6 +88,15 @@ void NowChartView::fillTimeAxis()
             break;
         }
     }
+    // Relabelling lays the chart out again, which may report its plot area again: only a new
+    // span or step is worth it.
+    if (_labelled == std::tuple(_from, _to, step))
+        return;
+    _labelled = {_from, _to, step};
+    for (const QString &label : _timeAxis->categoriesLabels())
+        _timeAxis->remove(label);
+    _timeAxis->setRange(double(_from) * 1000.0, double(_to) * 1000.0);
+    _timeAxis->setStartValue(double(_from) * 1000.0);
     // The axis wants every label once; a zero-width space keeps a repeated "12:00" apart.
     QSet<QString> used;
     for (qint64 tick = (_from + step - 1) / step * step; tick <= _to; tick += step) {

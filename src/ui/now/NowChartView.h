@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <optional>
+#include <tuple>
 
 class QCategoryAxis;
 class QGraphicsLineItem;
@@ -68,4 +69,6 @@ private:
     qint64 _from = 0;
     qint64 _to = 1;
     std::optional<double> _cursor;
+    // The span and step the time axis was last labelled for.
+    std::tuple<qint64, qint64, qint64> _labelled{0, 0, 0};
 };

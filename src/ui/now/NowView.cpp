@@ -22,8 +22,8 @@
 
 #include <cstdlib>
 
-NowView::NowView(FlatGroup *group, NowRecorder *recorder, QWidget *parent)
-    : QWidget(parent), _group(group), _recorder(recorder), _loader(new NowSummaryLoader(this)),
+NowView::NowView(FlatGroup *group, QWidget *parent)
+    : QWidget(parent), _group(group), _loader(new NowSummaryLoader(this)),
       _values(new NowValuesPanel), _charts(new NowCharts), _messages(new NowMessageList),
       _reloadButton(new QPushButton(tr("Reload All"))), _statusField(new QLabel),
       _summaryTimer(new QTimer(this)), _chartTimer(new QTimer(this)), _ageTimer(new QTimer(this)),
@@ -70,11 +70,6 @@ NowView::NowView(FlatGroup *group, NowRecorder *recorder, QWidget *parent)
     connect(_group, &NodeGroup::nodeDataLoaded, this, [this] { refresh(false); });
     connect(_group, &NodeGroup::groupCacheEmptied, this, [this] { refresh(false); });
     connect(_reloadButton, &QPushButton::clicked, _group, &NodeGroup::refreshAllNodeData);
-    if (_recorder) {
-        connect(_recorder, &NowRecorder::recorded, this, [this] { refresh(); });
-        connect(_recorder, &NowRecorder::historyCleared, this, [this] { refresh(); });
-        connect(_recorder, &NowRecorder::chartDataReady, this, &NowView::chartDataReady);
-    }
     connect(_charts, &NowCharts::rangeChanged, this, &NowView::readCharts);
     connect(_charts, &NowCharts::columnsChanged, this, [this] {
         // Thinned for a width far from the new one: read again once the resizing rests.
@@ -94,9 +89,16 @@ void NowView::awakeFromNib()
     _sizeKeeper->restore(QLatin1String(kViewSizeKey));
 }
 
-void NowView::loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath)
+void NowView::groupLoaded(NowRecorder *recorder)
 {
-    _group->loadDictionaryData(dictionaryFileName, dataFolderPath);
+    if (_recorder)
+        disconnect(_recorder, nullptr, this, nullptr);
+    _recorder = recorder;
+    if (_recorder) {
+        connect(_recorder, &NowRecorder::recorded, this, [this] { refresh(); });
+        connect(_recorder, &NowRecorder::historyCleared, this, [this] { refresh(); });
+        connect(_recorder, &NowRecorder::chartDataReady, this, &NowView::chartDataReady);
+    }
     refresh();
 }
 

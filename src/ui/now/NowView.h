@@ -28,8 +28,7 @@ class NowView : public QWidget {
     Q_OBJECT
 
 public:
-    // Without a recorder there is no history, and the charts say so.
-    NowView(FlatGroup *group, NowRecorder *recorder, QWidget *parent = nullptr);
+    explicit NowView(FlatGroup *group, QWidget *parent = nullptr);
     ~NowView() override;
 
     static constexpr const char *kViewSizeKey = "NowViewSize";
@@ -37,8 +36,9 @@ public:
 
     // Restores the size.
     void awakeFromNib();
-    // Reads the group's nodes for the data folder.
-    void loadDictionaryData(const QString &dictionaryFileName, const QString &dataFolderPath);
+    // The group has been read, and the history is at hand (AppCore::nowRecorder()): the view
+    // follows both from now on. Without a recorder there is no history, and the charts say so.
+    void groupLoaded(NowRecorder *recorder);
     // At termination: the nodes store their state and go, then the layout is stored.
     void cleanup();
 
@@ -62,7 +62,7 @@ private:
     void chartDataReady(const NowChartData &data);
 
     FlatGroup *_group;
-    NowRecorder *_recorder;
+    NowRecorder *_recorder = nullptr;
     NowSummaryLoader *_loader;
     NowValuesPanel *_values;
     NowCharts *_charts;

@@ -160,8 +160,9 @@ void MainViews::load(int number)
         _moonView->setHemisphere(Preferences::shared().southernHemisphere());
         break;
     case 6:
-        _nowView->loadDictionaryData(GroupCatalogue::group(GroupCatalogue::Now)->definitionFile,
-                                     dataFolder);
+        // Read through the core, which feeds the history from the group's downloads.
+        _core->loadGroup(_nowView->group());
+        _nowView->groupLoaded(_core->nowRecorder());
         break;
     default:
         break;

@@ -63,8 +63,9 @@ void TestNowView::whatTheUserSees()
 
     NowRecorder recorder(NowHistory::pathInFolder(data));
     FlatGroup group(QStringLiteral("Now"), GroupCatalogue::Now);
-    NowView view(&group, &recorder);
-    view.loadDictionaryData("DataNow.plist", data);
+    QVERIFY(group.loadDictionaryData("DataNow.plist", data));
+    NowView view(&group);
+    view.groupLoaded(&recorder);
     view.resize(1100, 900);
     view.show();
     QVERIFY(QTest::qWaitForWindowExposed(&view));

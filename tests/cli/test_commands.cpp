@@ -199,6 +199,7 @@ void TestCommands::fetch()
     QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataAlerts.plist",
                                                {{"Node0", node("RSGA.txt", "RSGA", "report")},
                                                 {"Node1", node("WKHF.txt", "W", "report")}}));
+    QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", {}));
 
     const QString data = _work + "/data"; // not there yet: fetch makes it
     const Result result = run(

@@ -66,6 +66,7 @@ private slots:
         QTest::newRow("Graphs") << 1 << 1;
         QTest::newRow("Alerts") << 4 << 4;
         QTest::newRow("Moon") << 5 << 5;
+        QTest::newRow("Now") << 6 << 6;
         QTest::newRow("7 shows the Sun") << 7 << 0;
         QTest::newRow("-1 shows the Sun") << -1 << 0;
     }

@@ -48,12 +48,13 @@ private slots:
 
     void toolbarFollowsTheOnlineState()
     {
-        // A stored toolbar is shown without the items that are unknown or repeated.
+        // A stored toolbar is shown without the items that are unknown or repeated; one stored
+        // before the Now view existed gains it after the Moon.
         QSettings().setValue("isOnline", 0);
         QSettings().setValue("toolbar", QStringList({"Update", "Cancel", "Pluto", "Online",
-                                                     "Offline", "Sun", "Sun"}));
+                                                     "Offline", "Sun", "Sun", "Moon"}));
         _app = startApplication();
-        const QStringList shown{"Update", "Cancel", "Online", "Offline", "Sun"};
+        const QStringList shown{"Update", "Cancel", "Online", "Offline", "Sun", "Moon", "Now"};
         QCOMPARE(toolbar(), shown);
         const auto states = [&] {
             return enabledActions({toolbarItem("Update"), toolbarItem("Cancel"),
@@ -72,8 +73,8 @@ private slots:
     void switchingViews_data()
     {
         columns<int, QString>("number", "name");
-        const QStringList names{"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon"};
-        for (int i = 0; i < 6; ++i)
+        const QStringList names{"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Now"};
+        for (int i = 0; i < 7; ++i)
             QTest::addRow("%s", qPrintable(names[i])) << i << names[i];
     }
     void switchingViews()
@@ -82,8 +83,8 @@ private slots:
         const QString name = fetch<QString>("name");
         _app = startApplication();
         QCOMPARE(toolbar(),
-                 QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "~", "Online",
-                              "Offline", "|", "NSToolbarCustomizeToolbarItem"}));
+                 QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Now", "~",
+                              "Online", "Offline", "|", "NSToolbarCustomizeToolbarItem"}));
         auto *stack = qobject_cast<QStackedWidget *>(_app->window()->centralWidget());
         const QRect frame = _app->window()->geometry();
         QAction *item = menuItem(_app->window(), "View", name);

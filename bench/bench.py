@@ -421,6 +421,26 @@ class Bench:
                  f"samples into {result['history_rows']} rows ({result['history_bytes'] / 1e6:.0f} "
                  f"MB) in {merge:.1f} ms; {result['recorded_median_ms']:.1f} ms in all")
 
+    # --- the Now view's charts -----------------------------------------------------------------
+
+    def bench_nowcharts(self):
+        result = self.harness("nowcharts", self.work / "nowcharts", self.rounds,
+                              env=self.gui_env(self.work / "config-nowcharts"), timeout=1800)
+        if result is None:
+            raise RuntimeError("the chart benchmark failed")
+        self.results["nowcharts"] = result
+        frame = 16.0
+        ranges = result["ranges"]
+        widest = ranges["2160h"]
+        redraw = widest["redraw_median_ms"]
+        others = ", ".join(f"{name}: {r['redraw_median_ms']:.1f} ms" for name, r in ranges.items())
+        self.row("Main thread: redraw the Now view's four charts at the 90-day range",
+                 redraw, frame, "ms", "< 16 ms (one frame)", redraw / frame, redraw < frame,
+                 f"every range: {others}; the history's thread read and thinned the 90 days "
+                 f"({result['history_rows']} one-minute rows) in {widest['query_median_ms']:.0f} "
+                 f"ms to {widest['points']} points for {result['columns']} columns; moving the "
+                 f"cursor: {widest['cursor_median_ms']:.1f} ms")
+
     # --- all -----------------------------------------------------------------------------------
 
     def run(self, only):
@@ -437,7 +457,8 @@ class Bench:
         try:
             steps = [("transfers", self.bench_transfers), ("startup", self.bench_startup),
                      ("image", self.bench_image), ("reformat", self.bench_reformat),
-                     ("stall", self.bench_stall), ("history", self.bench_history)]
+                     ("stall", self.bench_stall), ("history", self.bench_history),
+                     ("nowcharts", self.bench_nowcharts)]
             for name, step in steps:
                 if only and name not in only:
                     continue
@@ -489,7 +510,7 @@ def main():
     parser.add_argument("--build", required=True)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", default="", help="comma-separated: " +
-                        "startup,transfers,image,reformat,stall,history")
+                        "startup,transfers,image,reformat,stall,history,nowcharts")
     parser.add_argument("--scratch", help="where fetched files are written (default: in BUILD)")
     args = parser.parse_args()
     only = {x for x in args.only.split(",") if x}

@@ -1,0 +1,169 @@
+// The Now view's charts: what a redraw costs the main thread at every range, over a history of
+// 90 days of one-minute data (both X-ray bands, the solar wind's speed and density, Bt and Bz:
+// 777,600 rows) and the K index with its forecast.
+//
+//   vantorel-bench-harness nowcharts FOLDER ROUNDS
+//
+// For each range the history's thread reads and thins the series (NowChartQuery, timed here on
+// its own), then the main thread hands the result to the charts and repaints them (the figure).
+// Moving the shared cursor across the charts is timed too.
+
+#include "HarnessApp.h"
+
+#include "core/now/NowChartQuery.h"
+#include "core/now/NowHistory.h"
+#include "ui/now/NowChartView.h"
+#include "ui/now/NowCharts.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonObject>
+
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+constexpr qint64 kDay = 86400;
+
+// A quiet series with storms in it: a slow swing, minute-to-minute noise and a spike now and then,
+// so that every pixel column has a low and a high of its own.
+double value(qint64 time, double base, double swing, quint32 &seed)
+{
+    seed = seed * 1664525u + 1013904223u;
+    const double noise = double(seed >> 8) / double(1u << 24) - 0.5;
+    const double spike = (seed >> 4) % 5000 == 0 ? 8.0 : 0.0;
+    return base + swing * (std::sin(double(time) / 40000.0) + 0.3 * noise + spike);
+}
+
+bool fillHistory(NowHistory &history, qint64 now)
+{
+    quint32 seed = 12345;
+    const struct {
+        const char *kind;
+        const char *series;
+        double base;
+        double swing;
+    } lines[] = {
+        {"xray", "0.1-0.8nm", 1e-6, 5e-7},
+        {"xray", "0.05-0.4nm", 1e-7, 5e-8},
+        {"solar-wind", "speed", 450, 80},
+        {"solar-wind", "density", 6, 3},
+        {"imf", "bt", 6, 2},
+        {"imf", "bz", 0, 4},
+    };
+    for (qint64 day = 90; day >= 1; --day) {
+        QHash<QString, NowSamples> byKind;
+        for (const auto &line : lines) {
+            NowSamples &samples = byKind[QLatin1String(line.kind)];
+            for (qint64 time = now - day * kDay; time < now - (day - 1) * kDay; time += 60) {
+                double v = value(time, line.base, line.swing, seed);
+                if (line.base > 0) // a flux, a speed, a density: never below zero
+                    v = std::max(v, line.base * 0.01);
+                samples.append({QLatin1String(line.series), time, v, QStringLiteral("SOLAR1")});
+            }
+        }
+        for (auto it = byKind.cbegin(); it != byKind.cend(); ++it) {
+            if (history.merge(it.key(), it.value(), now, 400) < 0)
+                return false;
+        }
+    }
+    NowSamples kp;
+    NowSamples forecast;
+    for (qint64 time = now - 90 * kDay; time < now + 3 * kDay; time += 3 * 3600) {
+        const double index = std::clamp(3 + 3 * std::sin(double(time) / 300000.0), 0.0, 9.0);
+        if (time < now - 3 * 3600)
+            kp.append({QStringLiteral("kp"), time, index, {}});
+        if (time >= now - 7 * kDay)
+            forecast.append({QStringLiteral("kp"), time, index,
+                             time < now - 3 * 3600 ? QStringLiteral("observed")
+                             : time < now          ? QStringLiteral("estimated")
+                                                   : QStringLiteral("predicted")});
+    }
+    return history.merge(QStringLiteral("kp"), kp, now, 400) >= 0 &&
+           history.merge(QStringLiteral("kp-forecast"), forecast, now, 400) >= 0;
+}
+
+} // namespace
+
+int runNowChartsBench(const QStringList &arguments)
+{
+    if (arguments.size() != 2)
+        return Harness::usage("nowcharts FOLDER ROUNDS");
+    const QString folder = arguments.at(0);
+    const int rounds = std::max(1, arguments.at(1).toInt());
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+
+    const qint64 now = QDateTime::currentSecsSinceEpoch() / 60 * 60;
+    NowHistory history(NowHistory::pathInFolder(folder));
+    const double fillStarted = Harness::nowMs();
+    if (!fillHistory(history, now)) {
+        std::fprintf(stderr, "the history failed: %s\n", qPrintable(history.lastError()));
+        return 1;
+    }
+    const double fillMs = Harness::nowMs() - fillStarted;
+
+    // The charts as the view lays them out in a window of the default size.
+    NowCharts charts;
+    charts.resize(780, 760);
+    charts.show();
+    if (!Harness::waitUntilExposed(&charts))
+        std::fprintf(stderr, "vantorel-bench-harness: the charts were never exposed\n");
+    Harness::processEventsFor(200);
+    const int columns = charts.columns();
+
+    QJsonObject ranges;
+    double worst = 0;
+    for (const qint64 span : NowChartQuery::ranges()) {
+        std::vector<double> queryMs;
+        std::vector<double> redrawMs;
+        std::vector<double> cursorMs;
+        qsizetype points = 0;
+        for (int round = 0; round < rounds; ++round) {
+            double started = Harness::nowMs();
+            const NowChartData data = NowChartQuery::run(history, now, span, columns);
+            queryMs.push_back(Harness::nowMs() - started);
+            points = 0;
+            for (const auto &segments : data.lines) {
+                for (const auto &segment : segments)
+                    points += segment.size();
+            }
+            // What the main thread does when the answer arrives: hand it over, then paint.
+            started = Harness::nowMs();
+            charts.setData(data);
+            for (NowChartView *chart : charts.charts())
+                chart->viewport()->repaint();
+            redrawMs.push_back(Harness::nowMs() - started);
+            // The cursor across every chart, painted.
+            started = Harness::nowMs();
+            charts.setCursorTime(double(now - span / 3) * 1000.0);
+            for (NowChartView *chart : charts.charts())
+                chart->viewport()->repaint();
+            cursorMs.push_back(Harness::nowMs() - started);
+            Harness::processEventsFor(20);
+        }
+        const double redraw = Harness::median(redrawMs);
+        worst = std::max(worst, redraw);
+        ranges.insert(QString::number(span / 3600) + QStringLiteral("h"),
+                      QJsonObject{{QStringLiteral("query_ms"), Harness::toJsonArray(queryMs)},
+                                  {QStringLiteral("query_median_ms"), Harness::median(queryMs)},
+                                  {QStringLiteral("redraw_ms"), Harness::toJsonArray(redrawMs)},
+                                  {QStringLiteral("redraw_median_ms"), redraw},
+                                  {QStringLiteral("cursor_median_ms"), Harness::median(cursorMs)},
+                                  {QStringLiteral("points"), points}});
+    }
+    Harness::printJson(QJsonObject{
+        {QStringLiteral("history_rows"), 6 * 90 * 1440},
+        {QStringLiteral("history_bytes"),
+         QFileInfo(NowHistory::pathInFolder(folder)).size() +
+             QFileInfo(NowHistory::pathInFolder(folder) + QStringLiteral("-wal")).size()},
+        {QStringLiteral("fill_ms"), fillMs},
+        {QStringLiteral("columns"), columns},
+        {QStringLiteral("ranges"), ranges},
+        {QStringLiteral("worst_redraw_median_ms"), worst},
+    });
+    return 0;
+}

@@ -32,7 +32,6 @@ public:
 
     // The shared cursor (milliseconds since 1970), or none.
     void setCursorTime(std::optional<double> time);
-    std::optional<double> cursorTime() const { return _cursor; }
     // What the chart says about the time under the cursor.
     QString readout() const;
     // How many pixel columns the plot area has: as many as a line needs points per minimum and

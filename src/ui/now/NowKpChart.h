@@ -18,7 +18,6 @@ public:
     explicit NowKpChart(QWidget *parent = nullptr);
 
     void setData(const NowChartData &data);
-    const QList<NowKpBar> &bars() const { return _bars; }
 
 protected:
     QString readoutAt(double time) const override;

@@ -29,8 +29,6 @@ public:
     double valueAt(double time, double within) const;
     // The lowest and highest value; NaN for both without any.
     std::pair<double, double> range() const;
-    QString name() const { return _name; }
-    QColor color() const { return _pen.color(); }
 
 private:
     QLineSeries *series(int index);

@@ -87,19 +87,6 @@ QString NowValueTile::value() const
     return _value->text();
 }
 
-QString NowValueTile::badges() const
-{
-    QStringList texts;
-    for (const QLabel *badge : _badges)
-        texts.append(badge->text());
-    return texts.join(QLatin1Char(' '));
-}
-
-QString NowValueTile::detail() const
-{
-    return _detail->text();
-}
-
 QString NowValueTile::age() const
 {
     return _age->text();

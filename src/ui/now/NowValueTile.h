@@ -35,9 +35,6 @@ public:
     bool isStale() const { return _stale; }
     QString title() const;
     QString value() const;
-    // The badges' texts, separated by blanks.
-    QString badges() const;
-    QString detail() const;
     QString age() const;
 
 protected:

@@ -6,11 +6,14 @@
 #include <QList>
 #include <QString>
 
-// One bar of the K index chart: a three-hour period from `time` (seconds since 1970, UTC), its
-// value, and whether it was measured, is an estimate of the period under way, or a forecast.
+// One bar of the K index chart: a period from `time` (seconds since 1970, UTC) lasting
+// `duration` seconds (three hours, or a few times that at long ranges), its value (the highest
+// of the period), and whether that was measured, is an estimate of the period under way, or a
+// forecast.
 struct NowKpBar {
     enum Status { Observed, Estimated, Predicted };
     qint64 time = 0;
+    qint64 duration = 3 * 3600;
     double value = 0;
     Status status = Observed;
 };

@@ -44,7 +44,7 @@ NowChartData NowChartQuery::run(NowHistory &history, qint64 now, qint64 span, in
     const auto take = [&](const NowSample &sample, NowKpBar::Status status) {
         const auto it = bars.constFind(sample.time);
         if (sample.hasValue() && (it == bars.constEnd() || status <= it->status))
-            bars.insert(sample.time, {sample.time, sample.value, status});
+            bars.insert(sample.time, {sample.time, kKpPeriod, sample.value, status});
     };
     const qint64 kpFrom = data.from - kKpPeriod + 1;
     const QString kp = QStringLiteral("kp");
@@ -59,7 +59,20 @@ NowChartData NowChartQuery::run(NowHistory &history, qint64 now, qint64 span, in
         else if (sample.text == QLatin1String("predicted"))
             take(sample, NowKpBar::Predicted);
     }
-    data.kp = bars.values();
+    // The K index chart is about as wide as the others and reaches three days further.
+    qint64 period = kKpPeriod;
+    while (period < kDay &&
+           columns * period < kMinBarPixels * (data.kpTo - data.from))
+        period *= 2;
+    QMap<qint64, NowKpBar> gathered;
+    for (const NowKpBar &bar : std::as_const(bars)) {
+        const qint64 start = bar.time - ((bar.time % period) + period) % period;
+        const auto it = gathered.constFind(start);
+        if (it == gathered.constEnd() || bar.value > it->value ||
+            (bar.value == it->value && bar.status < it->status))
+            gathered.insert(start, {start, period, bar.value, bar.status});
+    }
+    data.kp = gathered.values();
 
     const qint64 maxGap = std::max(kMinuteGap, columns > 0 ? 3 * span / columns : span);
     for (const auto &[kind, series] : lineSeries()) {

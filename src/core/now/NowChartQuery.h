@@ -20,6 +20,10 @@ public:
     // How far the K index chart looks ahead: as far as the forecast goes.
     static constexpr qint64 kForecastSpan = 3 * kDay;
     static constexpr qint64 kKpPeriod = 3 * kHour;
+    // Narrower K index bars than this many pixels are gathered into bars of 6, 12 or 24 hours,
+    // each the highest of its periods: at 90 days a bar per three hours is less than a pixel wide,
+    // and drawing 700 of them costs more than a frame.
+    static constexpr int kMinBarPixels = 3;
     // A one-minute series without a sample for this long has a hole, not a quiet stretch: the
     // line breaks there (more at a range whose pixel columns are wider than that).
     static constexpr qint64 kMinuteGap = 15 * 60;

@@ -210,7 +210,7 @@ void NowChartView::applyPalette()
     }
     _cursorLine->setPen(QPen(p.color(QPalette::Highlight), 1));
     QColor back = p.color(QPalette::Base);
-    back.setAlphaF(0.85);
+    back.setAlphaF(0.75);
     _readoutBack->setBrush(back);
     _readout->setBrush(text);
 }

@@ -50,7 +50,7 @@ NowKpChart::NowKpChart(QWidget *parent)
             switch (NowKpBar::Status(status)) {
             case NowKpBar::Observed:
                 series->setBrush(colour);
-                series->setPen(QPen(colour.darker(130), 1));
+                series->setPen(Qt::NoPen);
                 break;
             case NowKpBar::Estimated: {
                 QColor pale = colour;
@@ -61,7 +61,7 @@ NowKpChart::NowKpChart(QWidget *parent)
             }
             case NowKpBar::Predicted:
                 series->setBrush(QBrush(colour, Qt::BDiagPattern));
-                series->setPen(QPen(colour, 1, Qt::DashLine));
+                series->setPen(QPen(colour, 1));
                 break;
             }
             c->addSeries(series);
@@ -83,13 +83,18 @@ QAreaSeries *&NowKpChart::area(int level, NowKpBar::Status status)
 
 void NowKpChart::setData(const NowChartData &data)
 {
+    // Emptied before the axis changes, which would lay every bar out again (as NowLineSet does).
+    for (QAreaSeries *series : std::as_const(_areas)) {
+        if (series->upperSeries()->count() > 0)
+            series->upperSeries()->clear();
+    }
     setSpan(data.from, data.kpTo);
     _bars = data.kp;
     QList<QList<QPointF>> points(_areas.size());
     for (const NowKpBar &bar : std::as_const(_bars)) {
         // A bar from the period's start to its end, a little narrower so that neighbours part.
         const double start = double(bar.time + 300) * 1000.0;
-        const double end = double(bar.time + NowChartQuery::kKpPeriod - 300) * 1000.0;
+        const double end = double(bar.time + bar.duration - 300) * 1000.0;
         QList<QPointF> &shape =
             points[_areas.indexOf(area(NowSummary::gScale(bar.value), bar.status))];
         shape << QPointF(start, 0) << QPointF(start, bar.value) << QPointF(end, bar.value)
@@ -108,12 +113,15 @@ QString NowKpChart::readoutAt(double time) const
     const QString when = QDateTime::fromMSecsSinceEpoch(qint64(time), Qt::UTC)
                              .toString(QStringLiteral("yyyy-MM-dd HH:mm 'UTC'"));
     for (const NowKpBar &bar : _bars) {
-        if (time >= double(bar.time) * 1000.0 &&
-            time < double(bar.time + NowChartQuery::kKpPeriod) * 1000.0)
-            return tr("%1\nKp %2, G%3, %4")
-                .arg(when, QString::number(bar.value, 'f', 2))
-                .arg(NowSummary::gScale(bar.value))
-                .arg(statusText(bar.status));
+        if (time < double(bar.time) * 1000.0 || time >= double(bar.time + bar.duration) * 1000.0)
+            continue;
+        QString text = tr("%1\nKp %2, G%3, %4")
+                           .arg(when, QString::number(bar.value, 'f', 2))
+                           .arg(NowSummary::gScale(bar.value))
+                           .arg(statusText(bar.status));
+        if (bar.duration > NowChartQuery::kKpPeriod)
+            text += tr(" (the highest of %1 hours)").arg(bar.duration / NowChartQuery::kHour);
+        return text;
     }
     return when;
 }

@@ -28,7 +28,7 @@ NowLineChart::NowLineChart(const QString &title, const Line &first, const Line &
         axis->setTitleText(_lines.at(i).unit);
         axis->setLabelFormat(QStringLiteral("%g"));
         _sets.push_back(std::make_unique<NowLineSet>(c, timeAxis(), axis, _lines.at(i).name,
-                                                     QPen(_lines.at(i).colour, 1.5)));
+                                                     QPen(_lines.at(i).colour, 1)));
     }
     if (sharedAxis) {
         _zero = new QLineSeries;
@@ -47,20 +47,26 @@ NowLineChart::~NowLineChart() = default;
 
 void NowLineChart::setData(const NowChartData &data)
 {
+    for (const auto &set : _sets)
+        set->clear();
     setSpan(data.from, data.to);
-    for (qsizetype i = 0; i < _lines.size(); ++i)
-        _sets[size_t(i)]->setSegments(
-            data.lines.value(NowChartQuery::key(_lines.at(i).kind, _lines.at(i).series)));
+    scale(data);
     if (_zero)
-        _zero->replace(
-            {QPointF(double(data.from) * 1000.0, 0), QPointF(double(data.to) * 1000.0, 0)});
+        _zero->replace({QPointF(double(data.from) * 1000.0, 0),
+                        QPointF(double(data.to) * 1000.0, 0)});
+    for (qsizetype i = 0; i < _lines.size(); ++i)
+        _sets[size_t(i)]->setSegments(segments(data, i));
     _within = std::max(double(NowChartQuery::kMinuteGap),
                        double(data.to - data.from) / std::max(1, plotColumns()) * 2) *
               1000.0;
-    scale();
 }
 
-void NowLineChart::scale()
+NowSeriesReducer::Segments NowLineChart::segments(const NowChartData &data, qsizetype line) const
+{
+    return data.lines.value(NowChartQuery::key(_lines.at(line).kind, _lines.at(line).series));
+}
+
+void NowLineChart::scale(const NowChartData &data)
 {
     // Round limits around what is shown; a shared axis is symmetric about zero, so that north
     // and south read alike.
@@ -76,8 +82,8 @@ void NowLineChart::scale()
     };
     if (_zero) {
         double largest = 0;
-        for (const auto &set : _sets) {
-            const auto [low, high] = set->range();
+        for (qsizetype i = 0; i < _lines.size(); ++i) {
+            const auto [low, high] = NowLineSet::range(segments(data, i));
             if (!std::isnan(low))
                 largest = std::max({largest, std::abs(low), std::abs(high)});
         }
@@ -85,12 +91,10 @@ void NowLineChart::scale()
         _axes.first()->setRange(-limit, limit);
         return;
     }
-    for (size_t i = 0; i < _sets.size(); ++i) {
-        const auto [low, high] = _sets[i]->range();
+    for (qsizetype i = 0; i < _lines.size(); ++i) {
+        const auto [low, high] = NowLineSet::range(segments(data, i));
         const double top = nice(std::isnan(high) ? 1.0 : high * 1.1);
-        _axes.at(qsizetype(i))
-            ->setRange(std::isnan(low) || low >= 0 ? 0.0 : -nice(-low * 1.1), top);
-        _axes.at(qsizetype(i))->applyNiceNumbers();
+        _axes.at(i)->setRange(std::isnan(low) || low >= 0 ? 0.0 : -nice(-low * 1.1), top);
     }
 }
 

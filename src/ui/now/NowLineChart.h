@@ -39,7 +39,9 @@ protected:
     void applyPalette() override;
 
 private:
-    void scale();
+    NowSeriesReducer::Segments segments(const NowChartData &data, qsizetype line) const;
+    // Sets the value axes for the data, before the lines are drawn (see NowLineSet::clear()).
+    void scale(const NowChartData &data);
 
     QList<Line> _lines;
     QList<QValueAxis *> _axes;

@@ -28,6 +28,14 @@ QLineSeries *NowLineSet::series(int index)
     return _series.at(index);
 }
 
+void NowLineSet::clear()
+{
+    for (QLineSeries *line : std::as_const(_series)) {
+        if (line->count() > 0)
+            line->clear();
+    }
+}
+
 void NowLineSet::setSegments(const NowSeriesReducer::Segments &segments,
                              const std::function<double(double)> &shown)
 {
@@ -68,12 +76,17 @@ double NowLineSet::valueAt(double time, double within) const
     return best;
 }
 
-std::pair<double, double> NowLineSet::range() const
+std::pair<double, double> NowLineSet::range(const NowSeriesReducer::Segments &segments)
 {
-    if (_points.isEmpty())
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (const NowSeriesReducer::Segment &segment : segments) {
+        for (const QPointF &point : segment) {
+            low = std::min(low, point.y());
+            high = std::max(high, point.y());
+        }
+    }
+    if (low > high)
         return {std::nan(""), std::nan("")};
-    const auto [low, high] =
-        std::minmax_element(_points.cbegin(), _points.cend(),
-                            [](const QPointF &a, const QPointF &b) { return a.y() < b.y(); });
-    return {low->y(), high->y()};
+    return {low, high};
 }

@@ -172,17 +172,16 @@ int runNowChartsBench(const QStringList &arguments)
         }
         const double redraw = Harness::median(redrawMs);
         worst = std::max(worst, redraw);
-        ranges.insert(QString::number(span / 3600) + QStringLiteral("h"),
-                      QJsonObject{{QStringLiteral("query_ms"), Harness::toJsonArray(queryMs)},
-                                  {QStringLiteral("query_median_ms"), Harness::median(queryMs)},
-                                  {QStringLiteral("redraw_ms"), Harness::toJsonArray(redrawMs)},
-                                  {QStringLiteral("redraw_median_ms"), redraw},
-                                  {QStringLiteral("redraw_busy_ms"),
-                                   Harness::toJsonArray(redrawBusyMs)},
-                                  {QStringLiteral("redraw_busy_median_ms"),
-                                   Harness::median(redrawBusyMs)},
-                                  {QStringLiteral("cursor_median_ms"), Harness::median(cursorMs)},
-                                  {QStringLiteral("points"), points}});
+        ranges.insert(
+            QString::number(span / 3600) + QStringLiteral("h"),
+            QJsonObject{{QStringLiteral("query_ms"), Harness::toJsonArray(queryMs)},
+                        {QStringLiteral("query_median_ms"), Harness::median(queryMs)},
+                        {QStringLiteral("redraw_ms"), Harness::toJsonArray(redrawMs)},
+                        {QStringLiteral("redraw_median_ms"), redraw},
+                        {QStringLiteral("redraw_busy_ms"), Harness::toJsonArray(redrawBusyMs)},
+                        {QStringLiteral("redraw_busy_median_ms"), Harness::median(redrawBusyMs)},
+                        {QStringLiteral("cursor_median_ms"), Harness::median(cursorMs)},
+                        {QStringLiteral("points"), points}});
     }
     Harness::printJson(QJsonObject{
         {QStringLiteral("history_rows"), 6 * 90 * 1440},

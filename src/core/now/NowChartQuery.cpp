@@ -61,8 +61,7 @@ NowChartData NowChartQuery::run(NowHistory &history, qint64 now, qint64 span, in
     }
     // The K index chart is about as wide as the others and reaches three days further.
     qint64 period = kKpPeriod;
-    while (period < kDay &&
-           columns * period < kMinBarPixels * (data.kpTo - data.from))
+    while (period < kDay && columns * period < kMinBarPixels * (data.kpTo - data.from))
         period *= 2;
     QMap<qint64, NowKpBar> gathered;
     for (const NowKpBar &bar : std::as_const(bars)) {

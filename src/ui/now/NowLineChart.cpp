@@ -52,8 +52,8 @@ void NowLineChart::setData(const NowChartData &data)
     setSpan(data.from, data.to);
     scale(data);
     if (_zero)
-        _zero->replace({QPointF(double(data.from) * 1000.0, 0),
-                        QPointF(double(data.to) * 1000.0, 0)});
+        _zero->replace(
+            {QPointF(double(data.from) * 1000.0, 0), QPointF(double(data.to) * 1000.0, 0)});
     for (qsizetype i = 0; i < _lines.size(); ++i)
         _sets[size_t(i)]->setSegments(segments(data, i));
     _within = std::max(double(NowChartQuery::kMinuteGap),

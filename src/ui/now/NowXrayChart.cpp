@@ -44,8 +44,8 @@ NowXrayChart::NowXrayChart(QWidget *parent)
 
     const QColor longBand(0xe8, 0x71, 0x0a);
     const QColor shortBand(0x3d, 0x8f, 0xd8);
-    _long = std::make_unique<NowLineSet>(c, timeAxis(), _fluxAxis, tr("0.1–0.8 nm"),
-                                         QPen(longBand, 1));
+    _long =
+        std::make_unique<NowLineSet>(c, timeAxis(), _fluxAxis, tr("0.1–0.8 nm"), QPen(longBand, 1));
     _short = std::make_unique<NowLineSet>(c, timeAxis(), _fluxAxis, tr("0.05–0.4 nm"),
                                           QPen(shortBand, 1));
     setKey({{tr("0.1–0.8 nm"), longBand}, {tr("0.05–0.4 nm"), shortBand}});

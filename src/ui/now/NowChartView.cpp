@@ -72,7 +72,6 @@ void NowChartView::setKey(const QList<std::pair<QString, QColor>> &key)
 
 void NowChartView::fillTimeAxis()
 {
-
     // A label every so many hours or days, as many as fit, at round times of UTC.
     constexpr qint64 hour = 3600;
     constexpr qint64 day = 24 * hour;
@@ -88,18 +87,19 @@ void NowChartView::fillTimeAxis()
             break;
         }
     }
-    // Relabelling lays the chart out again, which may report its plot area again: only a new
-    // span or step is worth it.
-    if (_labelled == std::tuple(_from, _to, step))
-        return;
-    _labelled = {_from, _to, step};
-    for (const QString &label : _timeAxis->categoriesLabels())
-        _timeAxis->remove(label);
+    const qint64 first = (_from + step - 1) / step * step;
+    const qint64 last = _to / step * step;
     _timeAxis->setRange(double(_from) * 1000.0, double(_to) * 1000.0);
     _timeAxis->setStartValue(double(_from) * 1000.0);
+    // Each label added lays the axis out again: a span a few minutes on keeps the labels it has.
+    if (_labelled == std::tuple(first, last, step))
+        return;
+    _labelled = {first, last, step};
+    for (const QString &label : _timeAxis->categoriesLabels())
+        _timeAxis->remove(label);
     // The axis wants every label once; a zero-width space keeps a repeated "12:00" apart.
     QSet<QString> used;
-    for (qint64 tick = (_from + step - 1) / step * step; tick <= _to; tick += step) {
+    for (qint64 tick = first; tick <= last; tick += step) {
         const QDateTime time = QDateTime::fromSecsSinceEpoch(tick, Qt::UTC);
         QString label = step < day && time.time() != QTime(0, 0)
                             ? time.toString(QStringLiteral("HH:mm"))

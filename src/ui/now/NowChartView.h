@@ -68,6 +68,6 @@ private:
     qint64 _from = 0;
     qint64 _to = 1;
     std::optional<double> _cursor;
-    // The span and step the time axis was last labelled for.
+    // The first and last label and the step between them the time axis has now.
     std::tuple<qint64, qint64, qint64> _labelled{0, 0, 0};
 };

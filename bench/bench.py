@@ -432,14 +432,22 @@ class Bench:
         frame = 16.0
         ranges = result["ranges"]
         widest = ranges["2160h"]
-        redraw = widest["redraw_median_ms"]
-        others = ", ".join(f"{name}: {r['redraw_median_ms']:.1f} ms" for name, r in ranges.items())
-        self.row("Main thread: redraw the Now view's four charts at the 90-day range",
-                 redraw, frame, "ms", "< 16 ms (one frame)", redraw / frame, redraw < frame,
-                 f"every range: {others}; the history's thread read and thinned the 90 days "
+        step = widest["step_median_ms"]
+        others = ", ".join(f"{name}: {r['step_median_ms']:.1f} ms" for name, r in ranges.items())
+        self.row("Main thread: the longest step of redrawing the Now charts at the 90-day range",
+                 step, frame, "ms", "< 16 ms (one frame)", step / frame, step < frame,
+                 f"every range: {others}; the main thread's own time in that step "
+                 f"{widest['step_busy_median_ms']:.1f} ms, in the whole redraw (four steps) "
+                 f"{widest['redraw_median_ms']:.1f} ms ({widest['redraw_busy_median_ms']:.1f} ms "
+                 f"its own); the history's thread read and thinned the 90 days "
                  f"({result['history_rows']} one-minute rows) in {widest['query_median_ms']:.0f} "
                  f"ms to {widest['points']} points for {result['columns']} columns; moving the "
                  f"cursor: {widest['cursor_median_ms']:.1f} ms")
+        whole = widest["redraw_busy_median_ms"]
+        self.row("Main thread: its own time for the whole redraw at the 90-day range (4 steps)",
+                 whole, frame, "ms", "< 16 ms (one frame)", whole / frame, whole < frame,
+                 "processor time of the main thread, without the waits for a processor that a "
+                 f"busy machine adds (wall clock {widest['redraw_median_ms']:.1f} ms)")
 
     # --- all -----------------------------------------------------------------------------------
 

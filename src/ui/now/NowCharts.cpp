@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QScrollArea>
 #include <QSettings>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -29,8 +30,13 @@ NowCharts::NowCharts(QWidget *parent)
                              QColor(0x8a, 0x8a, 0x8a)},
                             {QStringLiteral("imf"), QStringLiteral("bz"), tr("Bz"), tr("nT"),
                              QColor(0xd9, 0x30, 0x25)},
-                            true))
+                            true)),
+      _nextTimer(new QTimer(this))
 {
+    _nextTimer->setSingleShot(true);
+    _nextTimer->setInterval(0);
+    connect(_nextTimer, &QTimer::timeout, this, &NowCharts::applyNext);
+
     auto *controls = new QHBoxLayout;
     controls->addWidget(new QLabel(tr("Range:")));
     for (const qint64 span : NowChartQuery::ranges()) {
@@ -113,10 +119,35 @@ QList<NowChartView *> NowCharts::charts() const
 
 void NowCharts::setData(const NowChartData &data)
 {
-    _kp->setData(data);
-    _xray->setData(data);
-    _solarWind->setData(data);
-    _imf->setData(data);
+    _pending = data;
+    _next = 0;
+    applyNext();
+}
+
+bool NowCharts::applyNext()
+{
+    switch (_next++) {
+    case 0:
+        _kp->setData(_pending);
+        break;
+    case 1:
+        _xray->setData(_pending);
+        break;
+    case 2:
+        _solarWind->setData(_pending);
+        break;
+    case 3:
+        _imf->setData(_pending);
+        break;
+    default:
+        _next = 4;
+        return false;
+    }
+    if (_next < 4)
+        _nextTimer->start();
+    else
+        _pending = NowChartData();
+    return true;
 }
 
 void NowCharts::setNotice(const QString &notice)

@@ -13,6 +13,7 @@ class NowLineChart;
 class NowXrayChart;
 class QButtonGroup;
 class QLabel;
+class QTimer;
 
 // The Now view's charts, drawn from the history: the K index, the X-ray flux, the solar wind and
 // the magnetic field. One range control sets the span of them all (6 hours to 90 days, kept in
@@ -31,7 +32,12 @@ public:
     void setRange(qint64 seconds);
     // How many pixel columns a chart has to show a line in; 0 before they are laid out.
     int columns() const;
+    // Hands the data to the charts one at a time, one per turn of the event loop, each drawn
+    // before the next takes its points: at the long ranges all four at once take longer than a
+    // frame.
     void setData(const NowChartData &data);
+    // Hands the data to the next chart waiting for it; false when none is.
+    bool applyNext();
     // Says why there is nothing to draw (no history at all), or nothing.
     void setNotice(const QString &notice);
 
@@ -59,4 +65,7 @@ private:
     NowLineChart *_solarWind;
     NowLineChart *_imf;
     qint64 _range;
+    NowChartData _pending;
+    int _next = 0;
+    QTimer *_nextTimer;
 };

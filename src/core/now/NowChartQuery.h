@@ -23,7 +23,7 @@ public:
     // Narrower K index bars than this many pixels are gathered into bars of 6, 12 or 24 hours,
     // each the highest of its periods: at 90 days a bar per three hours is less than a pixel wide,
     // and drawing 700 of them costs more than a frame.
-    static constexpr int kMinBarPixels = 3;
+    static constexpr int kMinBarPixels = 4;
     // A one-minute series without a sample for this long has a hole, not a quiet stretch: the
     // line breaks there (more at a range whose pixel columns are wider than that).
     static constexpr qint64 kMinuteGap = 15 * 60;

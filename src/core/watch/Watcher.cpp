@@ -33,6 +33,8 @@ struct State {
     QMap<QString, qint64> seen;
     QList<WatchEvent> held;
 
+    bool operator==(const State &other) const = default;
+
     void load(QSettings &store)
     {
         kpArmed = store.value(QLatin1String(kKpArmed), true).toBool();
@@ -247,6 +249,7 @@ QList<WatchEvent> Watcher::evaluate(const NowSummary::Data &data, const AuroraGr
     _store.sync();
     State state;
     state.load(_store);
+    const State before = state;
     const qint64 seconds = now.toSecsSinceEpoch();
     const QJsonObject summary = NowSummary::summarize(data, seconds);
 
@@ -276,8 +279,15 @@ QList<WatchEvent> Watcher::evaluate(const NowSummary::Data &data, const AuroraGr
         deliver.append(raised);
         state.held.clear();
     }
-    state.save(_store);
-    _store.sync();
+    // Writing the settings file costs more than a frame on a slow disk, so it is written when a
+    // rule changes its mind, not for every look at the X-ray flux: started again from the last
+    // change, the same minutes lead to the same state.
+    State unchanged = state;
+    unchanged.flareCheckedUntil = before.flareCheckedUntil;
+    if (!(unchanged == before)) {
+        state.save(_store);
+        _store.sync();
+    }
     return deliver;
 }
 

@@ -280,11 +280,11 @@ QList<WatchEvent> Watcher::evaluate(const NowSummary::Data &data, const AuroraGr
         state.held.clear();
     }
     // Writing the settings file costs more than a frame on a slow disk, so it is written when a
-    // rule changes its mind, not for every look at the X-ray flux: started again from the last
-    // change, the same minutes lead to the same state.
+    // rule raises an event or changes its mind, not for every look at the X-ray flux: started
+    // again from the last such moment, the same minutes lead to the same state and no event.
     State unchanged = state;
     unchanged.flareCheckedUntil = before.flareCheckedUntil;
-    if (!(unchanged == before)) {
+    if (!raised.isEmpty() || !(unchanged == before)) {
         state.save(_store);
         _store.sync();
     }

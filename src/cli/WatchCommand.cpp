@@ -30,7 +30,8 @@ QString WatchCommand::description() const
         "event is also printed on a line of its own.\n"
         "With --once, applies the rules once to the data on disk, prints the new events and "
         "exits; a second run on the same data prints nothing.\n"
-        "Exit code: 0, or 2 for a usage error.");
+        "Exit code: 0; 1 when the Now group's definitions cannot be read; 2 for a usage "
+        "error.");
 }
 
 void WatchCommand::addOptions(QCommandLineParser &parser)

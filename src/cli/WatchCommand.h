@@ -11,8 +11,8 @@ struct WatchEvent;
 // a line of its own (with --json, one JSON object per line: "rule", "time", "title", "detail"),
 // records it as delivered and exits 0. Without it, it keeps the Now group downloading on its
 // schedules, applies the rules after every download that changes their data, and shows each
-// event as a desktop notification (and prints it) until SIGTERM or SIGINT. Exit code 2 for a
-// usage error.
+// event as a desktop notification (and prints it) until SIGTERM or SIGINT. Exit code 1 when the
+// Now group's definitions cannot be read, 2 for a usage error.
 class WatchCommand : public Command {
 public:
     QString name() const override { return QStringLiteral("watch"); }

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -253,6 +255,110 @@ QString scalesProblem(const QByteArray &json)
     return QString();
 }
 
+// --- The aurora forecast ----------------------------------------------------------------------
+//
+// One object with two times and a grid of 65,160 points: [[longitude, latitude, value], ...].
+// Built as a JSON document, the grid costs tens of milliseconds and megabytes of objects; read
+// number by number, in one pass, it takes a few milliseconds, quick enough to check a download on
+// the main thread.
+
+const QString kCoordinatesProblem =
+    QStringLiteral("the coordinates are not [longitude, latitude, value] rows");
+
+// Skips blanks, then takes the character if it is the one expected.
+bool take(const char *&p, const char *end, char expected)
+{
+    while (p < end && isBlank(*p))
+        ++p;
+    if (p == end || *p != expected)
+        return false;
+    ++p;
+    return true;
+}
+
+bool takeNumber(const char *&p, const char *end, double &value)
+{
+    while (p < end && isBlank(*p))
+        ++p;
+    const std::from_chars_result result = std::from_chars(p, end, value);
+    if (result.ec != std::errc())
+        return false;
+    p = result.ptr;
+    return std::isfinite(value);
+}
+
+// Walks the list of points that starts at p (its '['), handing each to use(); every point must be
+// a whole degree of the grid, and the list must hold the whole grid. Empty when it does; `after`
+// is then just past the list.
+template <typename Use>
+QString walkGrid(const char *p, const char *end, const char *&after, Use use)
+{
+    ++p;
+    qsizetype count = 0;
+    for (bool more = !take(p, end, ']'); more; more = !take(p, end, ']')) {
+        double longitude = 0, latitude = 0, value = 0;
+        if ((count > 0 && !take(p, end, ',')) || !take(p, end, '[') ||
+            !takeNumber(p, end, longitude) || !take(p, end, ',') || !takeNumber(p, end, latitude) ||
+            !take(p, end, ',') || !takeNumber(p, end, value) || !take(p, end, ']'))
+            return kCoordinatesProblem;
+        if (longitude != std::floor(longitude) || latitude != std::floor(latitude) ||
+            longitude < 0 || longitude >= AuroraGrid::kLongitudes || latitude < -90 ||
+            latitude > 90)
+            return QStringLiteral("the point [%1, %2] is not on the grid")
+                .arg(longitude)
+                .arg(latitude);
+        use(int(longitude), int(latitude), value);
+        ++count;
+    }
+    if (count != AuroraGrid::kPoints)
+        return QStringLiteral("the grid has %1 points, not %2").arg(count).arg(AuroraGrid::kPoints);
+    after = p;
+    return QString();
+}
+
+// Why the text is not an aurora forecast (empty when it is); fills the grid when one is given.
+QString readOvation(const QByteArray &json, AuroraGrid *grid)
+{
+    const std::optional<Outline> layout = outline(json);
+    if (!layout)
+        return QStringLiteral("not JSON, or cut short");
+    if (layout->root != '{')
+        return QStringLiteral("not a JSON object");
+    const QByteArrayView key("\"coordinates\"");
+    const qsizetype at = json.indexOf(key);
+    const char *const end = json.constData() + json.size();
+    const char *p = json.constData() + std::max<qsizetype>(at, 0) + key.size();
+    if (at < 0 || !take(p, end, ':'))
+        return QStringLiteral("no \"coordinates\" in the object");
+    if (!take(p, end, '['))
+        return kCoordinatesProblem;
+    const char *list = p - 1;
+    const char *after = nullptr;
+    const QString problem = walkGrid(list, end, after, [grid](int lon, int lat, double value) {
+        if (grid)
+            grid->setValue(lon, lat, value);
+    });
+    if (!problem.isEmpty())
+        return problem;
+
+    // Without its grid, the object is small enough to read whole.
+    const QByteArray rest = QByteArrayView(json.constData(), list).toByteArray() + "[]" +
+                            QByteArrayView(after, end).toByteArray();
+    const QJsonObject object = QJsonDocument::fromJson(rest).object();
+    const QString where = QStringLiteral("the object");
+    for (const char *name : {"Observation Time", "Forecast Time"}) {
+        const QString timeProblem = fieldProblem(object, {name, FieldType::Time}, where);
+        if (!timeProblem.isEmpty())
+            return timeProblem;
+    }
+    if (grid) {
+        grid->setTimes(
+            *NowFormat::parseTime(object.value(QLatin1String("Observation Time")).toString()),
+            *NowFormat::parseTime(object.value(QLatin1String("Forecast Time")).toString()));
+    }
+    return QString();
+}
+
 void addSample(NowSamples &samples, const QString &series, const QJsonObject &row,
                const char *timeField, double value, const QString &text = {})
 {
@@ -356,16 +462,19 @@ QStringList NowFormat::kinds()
     for (const KindShape &shape : shapes())
         list.append(QLatin1String(shape.kind));
     list.append(QStringLiteral("scales"));
+    list.append(QStringLiteral("ovation"));
     return list;
 }
 
 bool NowFormat::isKnownKind(const QString &kind)
 {
-    return kind == QLatin1String("scales") || shapeOf(kind);
+    return kind == QLatin1String("scales") || kind == QLatin1String("ovation") || shapeOf(kind);
 }
 
 QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json)
 {
+    if (kind == QLatin1String("ovation"))
+        return readOvation(json, nullptr);
     const KindShape *shape = shapeOf(kind);
     if (!shape && kind != QLatin1String("scales"))
         return QStringLiteral("\"%1\" is no kind of data this version reads").arg(kind);
@@ -385,6 +494,17 @@ QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json)
 std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray &json,
                                            QString *problem)
 {
+    if (kind == QLatin1String("ovation")) {
+        const std::optional<AuroraGrid> grid = parseOvation(json, problem);
+        if (!grid)
+            return std::nullopt;
+        NowSamples samples{
+            {QStringLiteral("observation"), grid->observationTime(), std::nan(""), QString()},
+            {QStringLiteral("forecast"), grid->forecastTime(), grid->highestValue(), QString()}};
+        std::stable_sort(samples.begin(), samples.end(),
+                         [](const NowSample &a, const NowSample &b) { return a.time < b.time; });
+        return samples;
+    }
     QString why = shapeProblem(kind, json);
     QJsonParseError error;
     const QJsonDocument document =
@@ -409,6 +529,17 @@ std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray
     std::stable_sort(samples.begin(), samples.end(),
                      [](const NowSample &a, const NowSample &b) { return a.time < b.time; });
     return samples;
+}
+
+std::optional<AuroraGrid> NowFormat::parseOvation(const QByteArray &json, QString *problem)
+{
+    AuroraGrid grid;
+    const QString why = readOvation(json, &grid);
+    if (why.isEmpty())
+        return grid;
+    if (problem)
+        *problem = why;
+    return std::nullopt;
 }
 
 std::optional<qint64> NowFormat::parseTime(const QString &text)

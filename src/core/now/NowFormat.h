@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/now/AuroraGrid.h"
 #include "core/now/NowSample.h"
 
 #include <QByteArray>
@@ -20,7 +21,7 @@
 class NowFormat {
 public:
     // The kinds this version reads: "kp", "kp-forecast", "xray", "solar-wind", "imf", "protons",
-    // "scales", "messages", "f107".
+    // "scales", "messages", "f107", "ovation".
     static QStringList kinds();
     static bool isKnownKind(const QString &kind);
 
@@ -30,9 +31,14 @@ public:
     static QString shapeProblem(const QString &kind, const QByteArray &json);
 
     // Every sample of a file, oldest first; none, with the reason, when the file does not have
-    // its kind's shape. Rows that cannot be read (no time, no value) are left out.
+    // its kind's shape. Rows that cannot be read (no time, no value) are left out. The aurora
+    // forecast's grid is no series of samples: its file gives two, the "observation" time and the
+    // "forecast" time with the grid's highest value (parseOvation() reads the grid).
     static std::optional<NowSamples> parse(const QString &kind, const QByteArray &json,
                                            QString *problem = nullptr);
+    // The grid of an "ovation" file; none, with the reason, when the file does not have the shape.
+    static std::optional<AuroraGrid> parseOvation(const QByteArray &json,
+                                                  QString *problem = nullptr);
 
     // Seconds since 1970 in UTC for "2026-05-01T12:34:56", "2026-05-01 12:34:56.789", with "Z"
     // or an offset such as "+02:00", or a bare date. A time without a zone mark is UTC.

@@ -83,6 +83,7 @@ void Preferences::loadPreferences(QSettings &settings)
     _timeoutSeconds = readFloat(settings, kTimeoutSeconds);
     _southernHemisphere = readInt(settings, kSouthernHemisphere) != 0;
     _historyRetentionDays = readInt(settings, kHistoryRetentionDays);
+    _notifications.load(settings);
 }
 
 void Preferences::savePreferences(QSettings &settings) const
@@ -95,4 +96,5 @@ void Preferences::savePreferences(QSettings &settings) const
     settings.setValue(QLatin1String(kTimeoutSeconds), double(_timeoutSeconds));
     settings.setValue(QLatin1String(kSouthernHemisphere), int(_southernHemisphere));
     settings.setValue(QLatin1String(kHistoryRetentionDays), _historyRetentionDays);
+    _notifications.save(settings);
 }

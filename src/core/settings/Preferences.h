@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/settings/NotificationSettings.h"
+
 #include <QString>
 
 #include <optional>
@@ -43,6 +45,10 @@ public:
         return _historyRetentionDays >= 1 ? _historyRetentionDays : kDefaultHistoryRetentionDays;
     }
 
+    // What the watcher notifies about; stored with the other preferences.
+    const NotificationSettings &notifications() const { return _notifications; }
+    void setNotifications(const NotificationSettings &settings) { _notifications = settings; }
+
     void setLastView(int view) { _lastView = view; }
     void setOnline(bool online) { _isOnline = online; }
     void setLogErrorsOnly(bool on) { _logErrorsOnly = on; }
@@ -80,4 +86,5 @@ private:
     bool _southernHemisphere = false;
     int _historyRetentionDays = kDefaultHistoryRetentionDays;
     std::optional<float> _timeoutOverride;
+    NotificationSettings _notifications;
 };

@@ -9,8 +9,11 @@
 #include "core/shell/ToolbarItems.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
 #include "core/util/ResourceLocator.h"
+#include "core/watch/WatchService.h"
+#include "notify/DesktopNotifier.h"
 #include "ui/alerts/AlertsView.h"
 #include "ui/common/NamedImage.h"
 #include "ui/log/ActivityLog.h"
@@ -351,6 +354,10 @@ void AppController::connectPreferencesPanel()
             &AppController::setSouthernHemisphere);
     connect(_preferencesPanel, &PreferencesPanel::timeoutValueChanged, this,
             &AppController::setTimeoutValue);
+    connect(_preferencesPanel, &PreferencesPanel::notificationsChanged, this,
+            [](const NotificationSettings &settings) {
+                Preferences::shared().setNotifications(settings);
+            });
 }
 
 // --- Start-up and shutdown --------------------------------------------------------------------
@@ -475,6 +482,7 @@ void AppController::finishLaunching()
     _core->removeStaleTemporaryFiles();
     runStartupDownloads();
     startScheduler();
+    startWatching();
 
     // The placeholder pictures of every image view, rendered in the background, so that the first
     // switch to a view or the first missing item does not stop to draw them.
@@ -484,6 +492,31 @@ void AppController::finishLaunching()
         placeholders << names.splash << names.downloading << names.noData;
     }
     NamedImage::renderInBackground(placeholders, _window->devicePixelRatioF(), 1000);
+}
+
+void AppController::startWatching()
+{
+    NodeGroup *now = _core->groupNamed(QStringLiteral("Now"));
+    if (!now || _watch)
+        return;
+    _watch = new WatchService(
+        Settings::store(), _log, [] { return Preferences::shared().notifications(); }, this);
+    _watch->watchGroup(now);
+    _notifier = new DesktopNotifier(this);
+    _notifier->setLog(_log);
+    connect(_watch, &WatchService::eventsReady, _notifier, &DesktopNotifier::deliver);
+    connect(_notifier, &DesktopNotifier::activated, this, &AppController::showNowView);
+    // What arrived while the window was closed.
+    _watch->evaluateSoon();
+}
+
+void AppController::showNowView()
+{
+    if (const GroupCatalogue::Group *now = GroupCatalogue::groupNamed(QStringLiteral("Now")))
+        setGroupView(now->number);
+    _window->showNormal();
+    _window->raise();
+    _window->activateWindow();
 }
 
 void AppController::windowShouldClose()
@@ -597,6 +630,7 @@ void AppController::openPreferencesPanel()
         const QSignalBlocker quiet(entry.box);
         entry.box->setChecked(entry.value);
     }
+    _preferencesPanel->showNotifications(prefs.notifications());
     _preferencesPanel->adjustSize();
     if (_window->isVisible())
         _preferencesPanel->move(_window->geometry().center() - _preferencesPanel->rect().center());

@@ -10,6 +10,7 @@ class AboutBox;
 class ActivityLog;
 class AlertsView;
 class AppCore;
+class DesktopNotifier;
 class GroupView;
 class MainWindow;
 class MainToolbar;
@@ -23,6 +24,7 @@ class QAction;
 class QMessageBox;
 class QUrl;
 class QWidget;
+class WatchService;
 
 // The application's single controller: it builds the main window with its six views, the
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
@@ -180,6 +182,11 @@ private:
     // The window's own picture and the icon theme's pictures in the toolbar.
     void showOwnIcons();
     void openAboutLink(const QUrl &address);
+    // Runs the watcher after each download of the group named "Now" that changes its data, and
+    // shows its events as desktop notifications; nothing without such a group.
+    void startWatching();
+    // A notification was clicked: the window comes forward with the Now view.
+    void showNowView();
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;
@@ -194,6 +201,8 @@ private:
     NodeScheduler *_nodeScheduler = nullptr;
     int _lastView = -1;
     ActivityLog *_log = nullptr;
+    WatchService *_watch = nullptr;
+    DesktopNotifier *_notifier = nullptr;
     // How far start-up has come: the data folder and the preferences are there (awake), the
     // window has been shown (launched), and what was left for after the first frame is done.
     bool _awake = false;

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QSpinBox>
 #include <QToolBar>
 
@@ -185,6 +186,11 @@ private slots:
         QVERIFY(_app->moonView()->southernHemisphere()); // told at once
         panel->timeoutValueField()->setValue(0);         // no limits of its own
         QCOMPARE(preferences.timeoutSeconds(), 0.0f);
+        // The location typed reaches the watcher's settings once both fields read.
+        QTest::keyClicks(panel->latitudeField(), "60.5");
+        QVERIFY(!preferences.notifications().hasLocation());
+        QTest::keyClicks(panel->longitudeField(), "-105");
+        QCOMPARE(preferences.notifications().longitude, -105.0);
     }
 
     void linkColours()

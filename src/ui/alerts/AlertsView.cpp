@@ -183,8 +183,9 @@ void AlertsView::setTextViewText(const QString &text)
 void AlertsView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    // A copy: setting the text forgets the pending one.
     if (_textPending)
-        setTextViewText(_pendingText);
+        setTextViewText(QString(_pendingText));
 }
 
 void AlertsView::clearTextViewText()

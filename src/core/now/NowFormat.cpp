@@ -119,7 +119,18 @@ QString fieldProblem(const QJsonObject &row, const Field &field, const QString &
     return QString();
 }
 
-QString rowProblem(const QByteArrayView element, const KindShape &shape)
+// The row's time, read from the shape's time field (every row kind has one).
+std::optional<qint64> rowTime(const QJsonObject &row, const KindShape &shape)
+{
+    for (const Field &field : shape.fields) {
+        if (field.type == FieldType::Time)
+            return NowFormat::parseTime(row.value(QLatin1String(field.name)).toString());
+    }
+    return std::nullopt;
+}
+
+QString rowProblem(const QByteArrayView element, const KindShape &shape,
+                   std::optional<qint64> *newestTime = nullptr)
 {
     const QByteArray bytes = element.toByteArray();
     const QJsonDocument row = QJsonDocument::fromJson(bytes);
@@ -133,7 +144,29 @@ QString rowProblem(const QByteArrayView element, const KindShape &shape)
         if (!problem.isEmpty())
             return problem;
     }
+    if (newestTime) {
+        const std::optional<qint64> time = rowTime(object, shape);
+        if (time && (!*newestTime || **newestTime < *time))
+            *newestTime = time;
+    }
     return QString();
+}
+
+// A forecast's newest row is a prediction; the data is as recent as its newest observed or
+// estimated row. The file is a few kilobytes, so it is read whole.
+std::optional<qint64> newestKnownKp(const QByteArray &json, const KindShape &shape)
+{
+    std::optional<qint64> newest;
+    const QJsonArray rows = QJsonDocument::fromJson(json).array();
+    for (const QJsonValue &value : rows) {
+        const QJsonObject row = value.toObject();
+        if (row.value(QLatin1String("observed")).toString() == QLatin1String("predicted"))
+            continue;
+        const std::optional<qint64> time = rowTime(row, shape);
+        if (time && (!newest || *newest < *time))
+            newest = time;
+    }
+    return newest;
 }
 
 // The outline of a JSON text, found in one pass without building anything: the root's opening
@@ -231,7 +264,7 @@ std::optional<Outline> outline(QByteArrayView json)
     return result;
 }
 
-QString scalesProblem(const QByteArray &json)
+QString scalesProblem(const QByteArray &json, std::optional<qint64> *newestTime)
 {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isObject())
@@ -251,6 +284,13 @@ QString scalesProblem(const QByteArray &json)
             return QStringLiteral("no %1 in %2").arg(quoted(name), where);
         if (!scale.toObject().contains(QLatin1String("Scale")))
             return QStringLiteral("no \"Scale\" in %1 of %2").arg(quoted(name), where);
+    }
+    // Today's entry is stamped with the time the scales were last set; the others are days.
+    if (newestTime) {
+        const QJsonObject entry = today.toObject();
+        *newestTime = NowFormat::parseTime(entry.value(QLatin1String("DateStamp")).toString() +
+                                           QLatin1Char('T') +
+                                           entry.value(QLatin1String("TimeStamp")).toString());
     }
     return QString();
 }
@@ -471,24 +511,43 @@ bool NowFormat::isKnownKind(const QString &kind)
     return kind == QLatin1String("scales") || kind == QLatin1String("ovation") || shapeOf(kind);
 }
 
-QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json)
+QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json,
+                                std::optional<qint64> *newestTime)
 {
-    if (kind == QLatin1String("ovation"))
-        return readOvation(json, nullptr);
+    if (newestTime)
+        newestTime->reset();
+    if (kind == QLatin1String("ovation")) {
+        if (!newestTime)
+            return readOvation(json, nullptr);
+        // The forecast's data time is when it was observed; reading the grid for it costs a few
+        // milliseconds, no more than the check itself.
+        AuroraGrid grid;
+        const QString problem = readOvation(json, &grid);
+        if (problem.isEmpty() && grid.observationTime() > 0)
+            *newestTime = grid.observationTime();
+        return problem;
+    }
     const KindShape *shape = shapeOf(kind);
     if (!shape && kind != QLatin1String("scales"))
         return QStringLiteral("\"%1\" is no kind of data this version reads").arg(kind);
     const std::optional<Outline> layout = outline(json);
     if (!layout)
         return QStringLiteral("not JSON, or cut short");
-    if (!shape)
-        return layout->root == '{' ? scalesProblem(json) : QStringLiteral("not a JSON object");
+    if (!shape) {
+        return layout->root == '{' ? scalesProblem(json, newestTime)
+                                   : QStringLiteral("not a JSON object");
+    }
     if (layout->root != '[')
         return QStringLiteral("not a JSON array");
     if (layout->count == 0)
         return shape->mayBeEmpty ? QString() : QStringLiteral("no rows");
-    const QString problem = rowProblem(layout->first, *shape);
-    return problem.isEmpty() ? rowProblem(layout->last, *shape) : problem;
+    std::optional<qint64> newest;
+    QString problem = rowProblem(layout->first, *shape, &newest);
+    if (problem.isEmpty())
+        problem = rowProblem(layout->last, *shape, &newest);
+    if (problem.isEmpty() && newestTime)
+        *newestTime = kind == QLatin1String("kp-forecast") ? newestKnownKp(json, *shape) : newest;
+    return problem;
 }
 
 std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray &json,

@@ -28,7 +28,14 @@ public:
     // Why the text is not a file of the kind, in a few words ("no "Kp" in the rows"); empty when
     // it is. Quick enough for the main thread on the largest files: the whole text's structure is
     // walked once (so a file cut short is caught), but only the first and the last row are read.
-    static QString shapeProblem(const QString &kind, const QByteArray &json);
+    //
+    // On the way it finds, when asked (newestTime), when the file's newest sample was measured:
+    // what its data is as recent as. The measured series keep their rows in time order, one way
+    // or the other, so the first and the last row tell; a K index forecast counts its observed
+    // and estimated rows, not the predicted ones; the scales count today's entry. None for a file
+    // without samples, or of the wrong shape.
+    static QString shapeProblem(const QString &kind, const QByteArray &json,
+                                std::optional<qint64> *newestTime = nullptr);
 
     // Every sample of a file, oldest first; none, with the reason, when the file does not have
     // its kind's shape. Rows that cannot be read (no time, no value) are left out. The aurora

@@ -11,11 +11,14 @@
 #include "core/sources/FlatGroup.h"
 #include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
+#include "core/util/DisplayTime.h"
 #include "core/util/ResourceLocator.h"
 #include "core/watch/WatchService.h"
 #include "notify/DesktopNotifier.h"
 #include "ui/alerts/AlertsView.h"
 #include "ui/common/NamedImage.h"
+#include "ui/common/TimeTicker.h"
+#include "ui/common/WindowAppearance.h"
 #include "ui/log/ActivityLog.h"
 #include "ui/moon/MoonView.h"
 #include "ui/shell/AboutBox.h"
@@ -221,6 +224,15 @@ void AppController::connectMenus()
             [this] { _log->openLogWindow(); });
     connect(_window->item(Command::ClearLog), &QAction::triggered, this,
             [this] { _log->clearLog(); });
+    connect(_window->item(Command::ShowTimesInUTC), &QAction::toggled, this,
+            &AppController::setShowTimesInUTC);
+    for (const auto &[command, appearance] :
+         {std::pair{Command::AppearanceSystem, Preferences::Appearance::System},
+          std::pair{Command::AppearanceLight, Preferences::Appearance::Light},
+          std::pair{Command::AppearanceDark, Preferences::Appearance::Dark}}) {
+        connect(_window->item(command), &QAction::triggered, this,
+                [this, appearance] { setAppearance(int(appearance)); });
+    }
     connect(menuItem(MainWindow::kSaveCopyTag), &QAction::triggered, this,
             &AppController::saveSelectedNodeData);
     connect(menuItem(MainWindow::kZoomImageTag), &QAction::triggered, this,
@@ -589,6 +601,9 @@ void AppController::loadPreferences()
     Preferences &prefs = Preferences::shared();
     prefs.loadPreferences(settings);
     _lastView = prefs.lastView();
+    DisplayTime::setUtc(prefs.showTimesInUTC());
+    WindowAppearance::apply(prefs.appearance());
+    showDisplayChoices();
     _window->restoreFrame();
 
     if (_preferencesPanel)
@@ -671,6 +686,40 @@ void AppController::setTimeoutValue(int seconds)
         field->setValue(seconds);
     }
     Preferences::shared().setTimeoutSeconds(float(seconds));
+}
+
+void AppController::setShowTimesInUTC(bool on)
+{
+    Preferences::shared().setShowTimesInUTC(on);
+    DisplayTime::setUtc(on);
+    showDisplayChoices();
+    TimeTicker::shared()->tellNow();
+}
+
+void AppController::setAppearance(int appearance)
+{
+    Preferences &prefs = Preferences::shared();
+    prefs.setAppearance(Preferences::Appearance(appearance));
+    WindowAppearance::apply(prefs.appearance());
+    showDisplayChoices();
+    // The artwork follows the palette as it is drawn; what is coloured by a view's own texts
+    // is redrawn with the times.
+    TimeTicker::shared()->tellNow();
+}
+
+void AppController::showDisplayChoices()
+{
+    using Command = MainWindow::Command;
+    const Preferences &prefs = Preferences::shared();
+    {
+        const QSignalBlocker quiet(_window->item(Command::ShowTimesInUTC));
+        _window->item(Command::ShowTimesInUTC)->setChecked(prefs.showTimesInUTC());
+    }
+    const Command chosen =
+        prefs.appearance() == Preferences::Appearance::Dark    ? Command::AppearanceDark
+        : prefs.appearance() == Preferences::Appearance::Light ? Command::AppearanceLight
+                                                               : Command::AppearanceSystem;
+    _window->item(chosen)->setChecked(true);
 }
 
 // --- Toolbar and views ------------------------------------------------------------------------

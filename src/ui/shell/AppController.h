@@ -77,6 +77,10 @@ public:
     void setDownloadMissingData(bool on);
     void setSouthernHemisphere(bool on);
     void setTimeoutValue(int seconds);
+    // View > Show Times in UTC and View > Appearance: they take effect at once, in every view,
+    // and are remembered.
+    void setShowTimesInUTC(bool on);
+    void setAppearance(int appearance);
 
     // Views and the toolbar.
     void initToolbar();
@@ -166,6 +170,8 @@ private:
     // Shows the time-out preference in the panel's field, whole seconds.
     void showTimeoutValue();
     void onlineStateChanged();
+    // The View menu's check marks from the preferences.
+    void showDisplayChoices();
     void revealSelectedNodeData();
     void openScheduleWindowForSelectedNode();
     void refreshSelectedNodeData();

@@ -184,8 +184,15 @@ void TestNowData::parsers()
     QFETCH(QByteArray, json);
     QFETCH(QString, expected);
     QCOMPARE(describe(kind, json), expected);
-    // The quick check that guards downloads agrees with the full reading.
-    QCOMPARE(NowFormat::shapeProblem(kind, json).isEmpty(), !expected.startsWith('!'));
+    // The quick check that guards downloads agrees with the full reading, and so does the time it
+    // reads on the way: the newest sample's, a forecast's predictions aside.
+    std::optional<qint64> newest;
+    QCOMPARE(NowFormat::shapeProblem(kind, json, &newest).isEmpty(), !expected.startsWith('!'));
+    std::optional<qint64> measured;
+    for (const NowSample &sample : NowFormat::parse(kind, json).value_or(NowSamples()))
+        if (sample.text != QLatin1String("predicted"))
+            measured = std::max(measured.value_or(sample.time), sample.time);
+    QCOMPARE(newest, measured);
 }
 
 void TestNowData::download_data()
@@ -238,6 +245,8 @@ void TestNowData::download()
     if (failure.isEmpty()) {
         QCOMPARE(delegate.failures, QStringList());
         QCOMPARE(old.readAll(), kKp);
+        // Dated by its newest sample.
+        QCOMPARE(QFileInfo(old).lastModified(), QDateTime(QDate(2026, 5, 1), QTime(3, 0), Qt::UTC));
     } else {
         QCOMPARE(delegate.failures, QStringList{"Download of \"K\" Failed: " + failure});
         QCOMPARE(old.readAll(), QByteArray("last good"));

@@ -8,8 +8,8 @@
 #include <QProcess>
 #include <QtTest>
 
-// "vantorel now" from the outside: data files written to a data folder, the command run as a
-// user would, its JSON members, the X-ray class and the exit status.
+// "vantorel now" and "vantorel watch --once" from the outside: data files written to a data
+// folder, the command run as a user would, its JSON members, the X-ray class and the exit status.
 class TestNowCommand : public QObject {
     Q_OBJECT
 
@@ -20,6 +20,7 @@ private slots:
     void xrayClass();
     void exitStatus_data();
     void exitStatus();
+    void watchOnce();
 
 private:
     struct Result {
@@ -27,7 +28,7 @@ private:
         QJsonObject json;
         QString out;
     };
-    Result now(const QStringList &extra = {}) const;
+    Result now(const QStringList &extra = {}, const QString &command = "now") const;
     void write(const QString &file, const QString &json) const;
     void writeFreshData() const;
     QString _data;
@@ -64,12 +65,12 @@ void TestNowCommand::init()
     QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", root));
 }
 
-TestNowCommand::Result TestNowCommand::now(const QStringList &extra) const
+TestNowCommand::Result TestNowCommand::now(const QStringList &extra, const QString &command) const
 {
     QProcess process;
     process.setProcessEnvironment(TestEnvironment::headlessEnvironment());
     process.start(QStringLiteral(VANTOREL_BINARY),
-                  QStringList{"now", "--data-dir", _data, "--definitions", _definitions} + extra);
+                  QStringList{command, "--data-dir", _data, "--definitions", _definitions} + extra);
     Result result;
     if (!process.waitForFinished(30000))
         return result;
@@ -269,6 +270,31 @@ void TestNowCommand::exitStatus()
     QCOMPARE(r.code, code);
     if (!stale.isEmpty())
         QCOMPARE(r.json[stale].toObject()["stale"].toBool(), true);
+}
+
+void TestNowCommand::watchOnce()
+{
+    writeFreshData();
+    const Result first = now({"--once", "--json"}, "watch");
+    QCOMPARE(first.code, 0);
+    QList<QJsonObject> events;
+    for (const QString &line : first.out.split('\n', Qt::SkipEmptyParts))
+        events << QJsonDocument::fromJson(line.toUtf8()).object();
+    // The two alerts, then the K index of 5.33; the X2.3 flare three hours ago is older than a
+    // first look goes.
+    QCOMPARE(events.size(), 3);
+    QCOMPARE(events[0],
+             (QJsonObject{{"rule", "message"},
+                          {"time", ago(7200, "Z")},
+                          {"title", "ALERT: Geomagnetic K-index of 5"},
+                          {"detail", "Alert ALTK05, serial 2033, issued " +
+                                         base.addSecs(-7200).toString("HH:mm") + " UTC."}}));
+    QCOMPARE(events[1]["rule"].toString() + events[2]["rule"].toString(), "messagekp");
+    // Recorded as delivered: the same data again tells nothing new.
+    const Result again = now({"--once", "--json"}, "watch");
+    QCOMPARE(again.code, 0);
+    QCOMPARE(again.out, QString());
+    QCOMPARE(now({"--once", "now"}, "watch").code, 2);
 }
 
 VANTOREL_TEST_CORE_MAIN(TestNowCommand)

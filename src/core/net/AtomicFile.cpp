@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <algorithm>
 #include <cstdio>
 
 AtomicFile::AtomicFile(const QString &path) : _path(path) {}
@@ -68,5 +69,14 @@ bool AtomicFile::commit()
                     QFile::encodeName(_path).constData()) != 0)
         return false;
     _file->setAutoRemove(false);
+    // Dated once in place, not before: a temporary file with an old date could pass for one a
+    // killed write left behind, and be swept away (AppCore). A date that cannot be set leaves
+    // the time of the write, which is a fair answer too.
+    if (_modificationTime.isValid()) {
+        QFile target(_path);
+        if (target.open(QIODevice::ReadOnly))
+            target.setFileTime(std::min(_modificationTime, QDateTime::currentDateTimeUtc()),
+                               QFileDevice::FileModificationTime);
+    }
     return true;
 }

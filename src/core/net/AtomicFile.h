@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QDateTime>
 #include <QString>
 
 #include <memory>
@@ -43,10 +44,15 @@ public:
     // Puts the bytes in place of the target; false (and the target untouched) when any write
     // failed or the rename did.
     bool commit();
+    // When the data was made, given to the target as its modification time once it is in place
+    // (never a time later than that moment); none (the default) leaves the time of the write.
+    // Kept across clear(): it belongs to the answer, not to its bytes.
+    void setModificationTime(const QDateTime &time) { _modificationTime = time; }
 
 private:
     QString _path;
     std::unique_ptr<QTemporaryFile> _file;
     qint64 _size = 0;
     bool _failed = false;
+    QDateTime _modificationTime;
 };

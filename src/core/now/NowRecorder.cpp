@@ -71,6 +71,10 @@ NowRecorder::~NowRecorder()
 
 void NowRecorder::record(const QString &kind, const QString &filePath)
 {
+    // The aurora forecast is a map of the next hour, not a measurement: 65,160 points every half
+    // hour would swell the history by gigabytes a year, and no chart shows it.
+    if (kind == QLatin1String("ovation"))
+        return;
     const qint64 now = Clock::now().toSecsSinceEpoch();
     const int days = Preferences::shared().historyRetentionDays();
     QMetaObject::invokeMethod(

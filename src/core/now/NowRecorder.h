@@ -20,7 +20,7 @@ public:
     ~NowRecorder() override;
 
     // Reads the checked data file of that kind and merges its samples into the history, keeping
-    // the retention that the preferences give.
+    // the retention that the preferences give. The aurora forecast ("ovation") is not kept.
     void record(const QString &kind, const QString &filePath);
     // Forgets the whole history (the user has confirmed it).
     void clearHistory();

@@ -10,6 +10,7 @@ class AboutBox;
 class ActivityLog;
 class AlertsView;
 class AppCore;
+class DesktopNotifier;
 class GroupView;
 class MainWindow;
 class MainToolbar;
@@ -23,6 +24,7 @@ class QAction;
 class QMessageBox;
 class QUrl;
 class QWidget;
+class WatchService;
 
 // The application's single controller: it builds the main window with its seven views, the
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
@@ -75,6 +77,10 @@ public:
     void setDownloadMissingData(bool on);
     void setSouthernHemisphere(bool on);
     void setTimeoutValue(int seconds);
+    // View > Show Times in UTC and View > Appearance: they take effect at once, in every view,
+    // and are remembered.
+    void setShowTimesInUTC(bool on);
+    void setAppearance(int appearance);
 
     // Views and the toolbar.
     void initToolbar();
@@ -164,6 +170,8 @@ private:
     // Shows the time-out preference in the panel's field, whole seconds.
     void showTimeoutValue();
     void onlineStateChanged();
+    // The View menu's check marks from the preferences.
+    void showDisplayChoices();
     void revealSelectedNodeData();
     void openScheduleWindowForSelectedNode();
     void refreshSelectedNodeData();
@@ -180,6 +188,11 @@ private:
     // The window's own picture and the icon theme's pictures in the toolbar.
     void showOwnIcons();
     void openAboutLink(const QUrl &address);
+    // Runs the watcher after each download of the group named "Now" that changes its data, and
+    // shows its events as desktop notifications; nothing without such a group.
+    void startWatching();
+    // A notification was clicked: the window comes forward with the Now view.
+    void showNowView();
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;
@@ -194,6 +207,8 @@ private:
     NodeScheduler *_nodeScheduler = nullptr;
     int _lastView = -1;
     ActivityLog *_log = nullptr;
+    WatchService *_watch = nullptr;
+    DesktopNotifier *_notifier = nullptr;
     // How far start-up has come: the data folder and the preferences are there (awake), the
     // window has been shown (launched), and what was left for after the first frame is done.
     bool _awake = false;

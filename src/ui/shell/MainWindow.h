@@ -42,6 +42,10 @@ public:
         Schedule,
         ActivityLog,
         ClearLog,
+        ShowTimesInUTC,
+        AppearanceSystem,
+        AppearanceLight,
+        AppearanceDark,
         About,
     };
 

@@ -37,7 +37,9 @@ private slots:
                                    "downloadMissingData,timeoutSeconds,southernHemisphere,"
                                    "MainWindow,ActivityLogWindow,SDO Expanded,SOHO Expanded,"
                                    "Sun LastNodeViewed,AlertsViewSize,lastAlertMenuIndex,"
-                                   "MoonViewSize,toolbar")
+                                   "MoonViewSize,toolbar,notifyKpThreshold,notifyFlareClass,"
+                                   "notifyMessageFamilies,homeLatitude,homeLongitude,quietHours,"
+                                   "quietHoursStart,watchSeenMessages,watchHeldEvents")
                                .split(',');
         for (const QString view : {"Sun", "Graphs", "Aurora", "Earth"})
             keys << view + "ViewSize" << view + "ViewSplitViewRects";

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QSpinBox>
 #include <QToolBar>
 
@@ -39,6 +40,8 @@ class TestShell : public QObject {
     AppController *_app = nullptr;
 
 private slots:
+    // Hours and a half from UTC: a time shown in UTC cannot pass for a local one.
+    void initTestCase() { qputenv("TZ", "Asia/Kolkata"); }
     void init() { TestEnvironment::resetState(); }
     void cleanup()
     {
@@ -186,6 +189,31 @@ private slots:
         QVERIFY(_app->moonView()->southernHemisphere()); // told at once
         panel->timeoutValueField()->setValue(0);         // no limits of its own
         QCOMPARE(preferences.timeoutSeconds(), 0.0f);
+        // The location typed reaches the watcher's settings once both fields read.
+        QTest::keyClicks(panel->latitudeField(), "60.5");
+        QVERIFY(!preferences.notifications().hasLocation());
+        QTest::keyClicks(panel->longitudeField(), "-105");
+        QCOMPARE(preferences.notifications().longitude, -105.0);
+    }
+
+    // View > Show Times in UTC (on at first) changes the times shown at once, and View >
+    // Appearance the palette; both are remembered.
+    void displayChoices()
+    {
+        QSettings().setValue(Node::lastUpdateKey("RSGA.txt"), "Monday, Nov 16 2026 at 05:57 PM");
+        _app = startApplication();
+        QLabel *shown = _app->alertsView()->nodeLastUpdateField();
+        QCOMPARE(shown->text(), "Last Updated: Monday, Nov 16 2026 at 12:27 PM UTC");
+        menuItem(_app->window(), "View", "Show Times in UTC")->trigger();
+        QCOMPARE(shown->text(), "Last Updated: Monday, Nov 16 2026 at 05:57 PM");
+        const QList<QAction *> appearances =
+            menuItem(_app->window(), "View", "Appearance")->menu()->actions();
+        appearances.last()->trigger(); // Dark
+        QTRY_VERIFY(shown->palette().color(QPalette::Window).lightness() < 128);
+        _app->savePreferences();
+        QCOMPARE(QSettings().value("showTimesInUTC").toInt(), 0);
+        QCOMPARE(QSettings().value("appearance").toInt(), 2);
+        appearances.first()->trigger(); // the desktop's, for the tests that follow
     }
 
     void linkColours()

@@ -559,7 +559,9 @@ std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray
             return std::nullopt;
         NowSamples samples{
             {QStringLiteral("observation"), grid->observationTime(), std::nan(""), QString()},
-            {QStringLiteral("forecast"), grid->forecastTime(), grid->highestValue(), QString()}};
+            // Like the K index forecast's rows, the time a prediction is for is not a data time.
+            {QStringLiteral("forecast"), grid->forecastTime(), grid->highestValue(),
+             QStringLiteral("predicted")}};
         std::stable_sort(samples.begin(), samples.end(),
                          [](const NowSample &a, const NowSample &b) { return a.time < b.time; });
         return samples;

@@ -166,7 +166,7 @@ void TestNowData::parsers_data()
         << "K05A@07:15=2033/Space Weather Message Code: ALTK05";
     QTest::newRow("messages: a quiet day") << "messages" << QByteArray("[]") << "";
     QTest::newRow("ovation: the times, the highest value of the grid")
-        << "ovation" << ovation() << "observation@07:51=nan | forecast@08:41=9";
+        << "ovation" << ovation() << "observation@07:51=nan | forecast@08:41=9/predicted";
     QTest::newRow("ovation: a point short")
         << "ovation" << ovation(360 * 181 - 1) << "! the grid has 65159 points, not 65160";
     QTest::newRow("ovation: a value that is no number")

@@ -1,4 +1,7 @@
 #include "TestEnvironment.h"
+#include "TestHttpServer.h"
+
+#include "core/now/NowHistory.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,6 +24,7 @@ private slots:
     void exitStatus_data();
     void exitStatus();
     void watchOnce();
+    void fetchFeedsTheHistory();
 
 private:
     struct Result {
@@ -295,6 +299,29 @@ void TestNowCommand::watchOnce()
     QCOMPARE(again.code, 0);
     QCOMPARE(again.out, QString());
     QCOMPARE(now({"--once", "now"}, "watch").code, 2);
+}
+
+// `vantorel fetch Now` downloads the group and merges what it brought into the history before
+// it exits.
+void TestNowCommand::fetchFeedsTheHistory()
+{
+    TestHttpServer server;
+    server.serve("/kp.json", QString(R"([{"time_tag":"%1","Kp":2.33},{"time_tag":"%2","Kp":4}])")
+                                 .arg(ago(4 * 3600), ago(3600))
+                                 .toUtf8());
+    QVariantMap node = TestEnvironment::nodeDict("kp.json", "K", server.baseUrl(), "kp.json");
+    node.insert("DataKind", "kp");
+    QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", {{"Node0", node}}));
+    QProcess process;
+    process.setProcessEnvironment(TestEnvironment::headlessEnvironment());
+    process.start(VANTOREL_BINARY,
+                  {"fetch", "Now", "--data-dir", _data, "--definitions", _definitions});
+    QVERIFY(QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 30000));
+    QCOMPARE(process.exitCode(), 0);
+    const NowSamples kept = NowHistory(NowHistory::pathInFolder(_data))
+                                .samples("kp", "kp", 0, std::numeric_limits<qint64>::max());
+    QCOMPARE(kept.size(), 2);
+    QCOMPARE(kept.last().value, 4.0);
 }
 
 VANTOREL_TEST_CORE_MAIN(TestNowCommand)

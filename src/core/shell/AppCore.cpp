@@ -137,6 +137,9 @@ bool AppCore::loadGroup(NodeGroup *group)
 NowRecorder *AppCore::nowRecorder()
 {
     if (!_nowRecorder) {
+        // Never a history beside wherever the program happened to start.
+        if (_dataFolderPath.isEmpty())
+            prepareDataFolder();
         _nowRecorder = new NowRecorder(NowHistory::pathInFolder(_dataFolderPath), this);
         connect(_nowRecorder, &NowRecorder::problem, this, [this](const QString &message) {
             if (_log)

@@ -434,6 +434,34 @@ class Bench:
                  f"samples into {result['history_rows']} rows ({result['history_bytes'] / 1e6:.0f} "
                  f"MB) in {merge:.1f} ms; {result['recorded_median_ms']:.1f} ms in all")
 
+    # --- the Now view's charts -----------------------------------------------------------------
+
+    def bench_nowcharts(self):
+        result = self.harness("nowcharts", self.work / "nowcharts", self.rounds,
+                              env=self.gui_env(self.work / "config-nowcharts"), timeout=1800)
+        if result is None:
+            raise RuntimeError("the chart benchmark failed")
+        self.results["nowcharts"] = result
+        frame = 16.0
+        ranges = result["ranges"]
+        widest = ranges["2160h"]
+        step = widest["step_median_ms"]
+        others = ", ".join(f"{name}: {r['step_median_ms']:.1f} ms" for name, r in ranges.items())
+        self.row("Main thread: the longest step of redrawing the Now charts at the 90-day range",
+                 step, frame, "ms", "< 16 ms (one frame)", step / frame, step < frame,
+                 f"every range: {others}; the main thread's own time in that step "
+                 f"{widest['step_busy_median_ms']:.1f} ms, in the whole redraw (four steps) "
+                 f"{widest['redraw_median_ms']:.1f} ms ({widest['redraw_busy_median_ms']:.1f} ms "
+                 f"its own); the history's thread read and thinned the 90 days "
+                 f"({result['history_rows']} one-minute rows) in {widest['query_median_ms']:.0f} "
+                 f"ms to {widest['points']} points for {result['columns']} columns; moving the "
+                 f"cursor: {widest['cursor_median_ms']:.1f} ms")
+        whole = widest["redraw_busy_median_ms"]
+        self.row("Main thread: its own time for the whole redraw at the 90-day range (4 steps)",
+                 whole, frame, "ms", "< 16 ms (one frame)", whole / frame, whole < frame,
+                 "processor time of the main thread, without the waits for a processor that a "
+                 f"busy machine adds (wall clock {widest['redraw_median_ms']:.1f} ms)")
+
     # --- all -----------------------------------------------------------------------------------
 
     def run(self, only):
@@ -450,7 +478,8 @@ class Bench:
         try:
             steps = [("transfers", self.bench_transfers), ("startup", self.bench_startup),
                      ("image", self.bench_image), ("reformat", self.bench_reformat),
-                     ("stall", self.bench_stall), ("history", self.bench_history)]
+                     ("stall", self.bench_stall), ("history", self.bench_history),
+                     ("nowcharts", self.bench_nowcharts)]
             for name, step in steps:
                 if only and name not in only:
                     continue
@@ -502,7 +531,7 @@ def main():
     parser.add_argument("--build", required=True)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", default="", help="comma-separated: " +
-                        "startup,transfers,image,reformat,stall,history")
+                        "startup,transfers,image,reformat,stall,history,nowcharts")
     parser.add_argument("--scratch", help="where fetched files are written (default: in BUILD)")
     args = parser.parse_args()
     only = {x for x in args.only.split(",") if x}

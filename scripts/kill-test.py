@@ -1,7 +1,9 @@
 """The kill test's work: see scripts/kill-test."""
 
 import hashlib
+import datetime
 import http.server
+import json
 import os
 import plistlib
 import random
@@ -9,6 +11,7 @@ import re
 import shutil
 import signal
 import socketserver
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -18,6 +21,26 @@ import time
 GROUPS = ["Sun", "Graphs", "Aurora", "Earth", "Alerts"]
 FILES_PER_GROUP = 40
 TEMPORARY = re.compile(r"^(.+)\.[A-Za-z0-9]{6}$")
+WIND = "wind.json"  # one-minute solar-wind rows of the Now group, merged into the history
+WIND_MINUTES = 2 * 1440
+
+
+def wind_speed(version, minute):
+    """Version 0 has speeds 300-399, version 1 500-599: a history holding both is a torn merge."""
+    return 300 + 200 * version + minute % 100
+
+
+def wind_file(version):
+    # Newest first, as the provider writes it, ending at the last whole minute (the history keeps
+    # only recent rows).
+    end = datetime.datetime.now(datetime.timezone.utc).replace(second=0, microsecond=0)
+    rows = []
+    for minute in range(WIND_MINUTES):
+        stamp = (end - datetime.timedelta(minutes=minute)).strftime("%Y-%m-%dT%H:%M:%S")
+        rows.append({"time_tag": stamp, "active": True, "source": "ACE",
+                     "proton_speed": wind_speed(version, minute), "proton_density": 5.0,
+                     "proton_temperature": 90000, "overall_quality": 0})
+    return (bytes(json.dumps(rows), "ascii"))
 
 
 def make_versions(root):
@@ -35,6 +58,10 @@ def make_versions(root):
                 with open(os.path.join(folder, name), "wb") as f:
                     f.write(data)
                 digests.setdefault(name, set()).add(hashlib.sha256(data).hexdigest())
+        data = wind_file(version)
+        with open(os.path.join(folder, WIND), "wb") as f:
+            f.write(data)
+        digests.setdefault(WIND, set()).add(hashlib.sha256(data).hexdigest())
     return digests
 
 
@@ -52,6 +79,29 @@ def write_definitions(folder, base_url):
             root = {"Domain0": dict(DomainName=group, **nodes)}
         with open(os.path.join(folder, f"Data{group}.plist"), "wb") as f:
             plistlib.dump(root, f)
+    wind = {"URL": base_url, "SourceFileName": WIND, "DestFileName": WIND, "NodeName": "Wind",
+            "NodeTitle": "Wind", "FileType": 1, "DataKind": "solar-wind"}
+    with open(os.path.join(folder, "DataNow.plist"), "wb") as f:
+        plistlib.dump({"Node0": wind}, f)
+
+
+def check_history(data):
+    """The history is sound and every merge in it whole: its solar-wind speeds all come from one
+    version of the file. Returns (rows, torn, problem)."""
+    path = os.path.join(data, "History.sqlite")
+    if not os.path.exists(path):
+        return 0, False, None
+    try:
+        db = sqlite3.connect(path, timeout=10)
+        problem = db.execute("PRAGMA integrity_check").fetchone()[0]
+        speeds = [row[0] for row in db.execute(
+            "SELECT value FROM samples JOIN series ON series.id = samples.series "
+            "WHERE series.kind = 'solar-wind' AND series.name = 'speed'")]
+        db.close()
+    except sqlite3.Error as error:
+        return 0, False, str(error)
+    versions = {int(speed >= 500) for speed in speeds}
+    return len(speeds), len(versions) > 1, None if problem == "ok" else problem
 
 
 class Server(socketserver.ThreadingMixIn, http.server.HTTPServer):
@@ -107,6 +157,14 @@ def check_data(data, digests):
     return files, partial, leftovers
 
 
+def check_history_version(data):
+    db = sqlite3.connect(os.path.join(data, "History.sqlite"), timeout=10)
+    speed = db.execute("SELECT value FROM samples JOIN series ON series.id = samples.series "
+                       "WHERE series.kind = 'solar-wind' AND series.name = 'speed'").fetchone()
+    db.close()
+    return int(speed[0] >= 500) if speed else None
+
+
 def main():
     binary, rounds = sys.argv[1], int(sys.argv[2])
     work = tempfile.mkdtemp(prefix="vantorel-kill-")
@@ -125,7 +183,8 @@ def main():
                    "--timeout", "20"]
 
         rng = random.Random(11)
-        transfers = partial_total = 0
+        transfers = partial_total = torn_total = 0
+        history_problems = []
         leftovers_seen = set()
         for round_number in range(rounds):
             state["version"] = round_number % 2
@@ -138,9 +197,14 @@ def main():
             files, partial, leftovers = check_data(data, digests)
             partial_total += partial
             leftovers_seen.update(leftovers)
+            rows, torn, problem = check_history(data)
+            torn_total += torn
+            if problem:
+                history_problems.append(problem)
             print(f"round {round_number + 1}/{rounds}: killed after {transfers} transfers in all,"
-                  f" {files} data files, {partial} partial, {len(leftovers)} temporary",
-                  flush=True)
+                  f" {files} data files, {partial} partial, {len(leftovers)} temporary,"
+                  f" history {rows} speeds{' TORN' if torn else ''}"
+                  f"{' DAMAGED: ' + problem if problem else ''}", flush=True)
 
         # A temporary file as a write killed long ago would leave it; the next start removes it.
         planted = os.path.join(data, "sun00.bin.Xy12Zq")
@@ -152,15 +216,22 @@ def main():
                                   stderr=subprocess.PIPE, timeout=600)
         files, partial, leftovers = check_data(data, digests)
         partial_total += partial
+        rows, torn, problem = check_history(data)
         server.shutdown()
+        # After a run that was not killed, the history holds the whole last version.
+        final_history_ok = (rows == WIND_MINUTES and not torn and not problem
+                            and check_history_version(data) == state["version"])
 
         print(f"{rounds} kills, {transfers} transfers completed before them, "
               f"{Server.cut_off} cut off in the middle; final run exit "
               f"{finished.returncode}, {files} data files, {partial_total} partial files seen, "
               f"temporary files seen after kills: {len(leftovers_seen)}, left after the next "
-              f"start: {len(leftovers)}")
+              f"start: {len(leftovers)}; history: {torn_total} torn merges, "
+              f"{len(history_problems)} damaged, after the last run {rows} speeds "
+              f"({'whole' if final_history_ok else 'WRONG'})")
         ok = (partial_total == 0 and finished.returncode == 0 and not leftovers
-              and files == len(digests) and not os.path.exists(planted))
+              and files == len(digests) and not os.path.exists(planted)
+              and torn_total == 0 and not history_problems and final_history_ok)
         print("PASS" if ok else "FAIL")
         return 0 if ok else 1
     finally:

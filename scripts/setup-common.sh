@@ -9,7 +9,9 @@ VANTOREL_BUILD="${VANTOREL_BUILD:-$VANTOREL_ROOT/build}"
 # Debian 12 packages that building, running and testing Vantorel need.
 VANTOREL_PACKAGES=(
     g++ cmake ninja-build pkg-config
-    qt6-base-dev qt6-svg-dev libqt6svg6 qt6-qpa-plugins
+    qt6-base-dev  # Qt Core, Network, SQL, D-Bus (the notifications), Gui and Widgets
+    qt6-svg-dev libqt6svg6 qt6-qpa-plugins
+    qt6-charts-dev libqt6opengl6-dev  # the Now view's charts (their CMake files need Qt OpenGL's)
     libqt6sql6-sqlite  # the local history's database driver, loaded at run time
     libplist-dev zlib1g-dev
     fonts-dejavu-core
@@ -17,8 +19,9 @@ VANTOREL_PACKAGES=(
     dpkg-dev  # dpkg-shlibdeps: the Debian package's library dependencies
 )
 
-# What the test script needs besides: the formatting check and the layer check.
-VANTOREL_TEST_PACKAGES=(clang-format python3)
+# What the test script needs besides: the formatting check, the layer check, and the session bus
+# that the notification test starts for itself.
+VANTOREL_TEST_PACKAGES=(clang-format python3 dbus-daemon)
 
 vantorel_missing_packages() {
     local missing=()

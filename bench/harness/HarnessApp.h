@@ -49,3 +49,4 @@ int usage(const char *text);
 int runImageBench(const QStringList &arguments);
 int runReformatBench(const QStringList &arguments);
 int runStallBench(const QStringList &arguments);
+int runNowChartsBench(const QStringList &arguments);

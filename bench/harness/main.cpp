@@ -6,6 +6,7 @@
 //   vantorel-bench-harness reformat FOLDER RUNS
 //   vantorel-bench-harness stall DEFINITIONS DATA IDLE-MS SWITCH-MS
 //   vantorel-bench-harness startup-steps DEFINITIONS DATA
+//   vantorel-bench-harness nowcharts FOLDER ROUNDS
 
 #include "HarnessApp.h"
 
@@ -39,5 +40,8 @@ int main(int argc, char **argv)
         return runStartupSteps(arguments, mainStarted, applicationMade);
     if (command == QLatin1String("stall"))
         return runStallBench(arguments);
-    return Harness::usage("image|make-jpeg|reformat-input|reformat|stall|startup-steps ...");
+    if (command == QLatin1String("nowcharts"))
+        return runNowChartsBench(arguments);
+    return Harness::usage(
+        "image|make-jpeg|reformat-input|reformat|stall|startup-steps|nowcharts ...");
 }

@@ -5,6 +5,7 @@
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -127,6 +128,17 @@ QImage earthImage(int seed)
     return image;
 }
 
+// Gives a sample file the age real data would have: most a few minutes to hours old, now and
+// then one left behind for days, as when its provider stopped publishing.
+void age(const QString &path, int index)
+{
+    const qint64 minutes = index % 7 == 3 ? 3 * 24 * 60 + 50 : 3 + (index * 37) % 170;
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly))
+        file.setFileTime(QDateTime::currentDateTime().addSecs(-minutes * 60),
+                         QFileDevice::FileModificationTime);
+}
+
 } // namespace
 
 void SampleData::fill(AppCore *core, const QString &bulletinFolder)
@@ -155,6 +167,7 @@ void SampleData::fill(AppCore *core, const QString &bulletinFolder)
             // The format follows the file name, so a .gif node gets a file a reader accepts.
             image.save(node->filePath(),
                        node->filePath().endsWith(QLatin1String(".gif")) ? "PNG" : nullptr);
+            age(node->filePath(), seed);
         }
     }
 
@@ -171,5 +184,6 @@ void SampleData::fill(AppCore *core, const QString &bulletinFolder)
             source = bulletins.filePath(samples.at(i++ % samples.size()));
         QFile::remove(node->filePath());
         QFile::copy(source, node->filePath());
+        age(node->filePath(), i + 1);
     }
 }

@@ -5,6 +5,8 @@
 #include "core/sources/DomainGroup.h"
 #include "core/sources/GroupOutlineModel.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeTimes.h"
+#include "core/util/Clock.h"
 #include "ui/alerts/AlertsView.h"
 #include "ui/log/ActivityLog.h"
 #include "ui/shell/AppController.h"
@@ -22,6 +24,8 @@
 #include <QTextStream>
 #include <QTreeView>
 
+#include <algorithm>
+
 ScreenshotTour::ScreenshotTour(AppController *controller, const QString &folder)
     : _controller(controller), _folder(folder)
 {
@@ -38,7 +42,7 @@ void ScreenshotTour::settle()
 bool ScreenshotTour::save(QWidget *widget, const QString &name)
 {
     settle();
-    const QString path = QDir(_folder).filePath(name + QStringLiteral(".png"));
+    const QString path = QDir(_folder).filePath(_prefix + name + QStringLiteral(".png"));
     const bool ok = widget->grab().save(path);
     QTextStream(stdout) << (ok ? "saved " : "FAILED ") << path << '\n';
     if (!ok)
@@ -47,6 +51,23 @@ bool ScreenshotTour::save(QWidget *widget, const QString &name)
 }
 
 int ScreenshotTour::run()
+{
+    // Every picture in both appearances, each set named by its own: light-1-sun-default.png,
+    // dark-1-sun-default.png and so on.
+    const struct {
+        Preferences::Appearance appearance;
+        const char *name;
+    } appearances[] = {{Preferences::Appearance::Light, "light"},
+                       {Preferences::Appearance::Dark, "dark"}};
+    for (const auto &entry : appearances) {
+        _controller->setAppearance(int(entry.appearance));
+        _prefix = QLatin1String(entry.name) + QLatin1Char('-');
+        tour();
+    }
+    return _failures;
+}
+
+void ScreenshotTour::tour()
 {
     MainWindow *window = _controller->window();
     const struct {
@@ -57,11 +78,19 @@ int ScreenshotTour::run()
     const QList<GroupView *> imageViews{_controller->sunView(), _controller->graphView(),
                                         _controller->auroraView(), _controller->earthView()};
 
-    // Something selected in every image view, as a user would have it.
+    // Something selected in the image views, as a user would have it: the first item, in the
+    // Earth view one whose data is stale, and nothing in the Aurora view, which shows its
+    // placeholder.
     for (GroupView *view : imageViews) {
         const QList<Node *> nodes = view->group()->allNodes();
-        if (!nodes.isEmpty())
-            view->domainsList()->setCurrentIndex(view->outlineModel()->indexForNode(nodes.first()));
+        const auto stale = std::find_if(nodes.cbegin(), nodes.cend(), [](const Node *node) {
+            return NodeTimes::isStale(*node, Clock::now());
+        });
+        const Node *shown = view == _controller->earthView() && stale != nodes.cend() ? *stale
+                            : nodes.isEmpty() || view == _controller->auroraView()    ? nullptr
+                                                                                   : nodes.first();
+        if (shown)
+            view->domainsList()->setCurrentIndex(view->outlineModel()->indexForNode(shown));
     }
 
     for (const auto &size : sizes) {
@@ -97,8 +126,9 @@ int ScreenshotTour::run()
 
     if (Node *node = sun->selectedNode()) {
         sun->openImageWindowForNode(node);
-        if (ImageController *image = sun->imageWindowForNode(node))
+        if (ImageController *image = sun->imageWindowForNode(node)) {
             save(image->window(), QStringLiteral("10-image-window"));
+            image->window()->close();
+        }
     }
-    return _failures;
 }

@@ -5,6 +5,7 @@
 #include "cli/MoonCommand.h"
 #include "cli/NowCommand.h"
 #include "cli/ReportCommand.h"
+#include "cli/WatchCommand.h"
 
 #include <QCommandLineParser>
 
@@ -21,6 +22,7 @@ std::vector<std::unique_ptr<Command>> allCommands()
     commands.push_back(std::make_unique<ReportCommand>());
     commands.push_back(std::make_unique<MoonCommand>());
     commands.push_back(std::make_unique<NowCommand>());
+    commands.push_back(std::make_unique<WatchCommand>());
     return commands;
 }
 

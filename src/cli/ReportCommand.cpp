@@ -7,6 +7,7 @@
 #include "core/sources/Node.h"
 
 #include <QCommandLineParser>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -41,8 +42,9 @@ QString ReportCommand::description() const
 
 void ReportCommand::addOptions(QCommandLineParser &parser)
 {
-    parser.addOption(
-        {QStringLiteral("list"), QStringLiteral("List the reports of the Alerts group.")});
+    parser.addOption({QStringLiteral("list"),
+                      QStringLiteral("List the reports of the Alerts group: title, data file, last "
+                                     "update and the time of the data (UTC).")});
     parser.addOption({QStringLiteral("as"),
                       QStringLiteral("Reformat as a data file named <filename> would "
                                      "be (RSGA.txt, WKHF.txt or any other name)."),
@@ -112,23 +114,31 @@ int ReportCommand::listReports(const FlatGroup &group)
     if (group.nodeCount() == 0)
         return failure(QStringLiteral("the Alerts group lists no reports"));
 
+    // The data time comes last, so that the columns before it stay where they always were; it is
+    // one word (ISO 8601 in UTC, or "-" without data), for scripts that take the last field.
     struct Row {
-        QString title, file, updated;
+        QString title, file, updated, dataTime;
     };
-    QList<Row> rows{
-        {QStringLiteral("Title"), QStringLiteral("Data file"), QStringLiteral("Last updated")}};
-    for (const Node *node : group.nodes())
-        rows.append({node->nodeTitle(), node->fileName(), node->lastUpdate()});
+    QList<Row> rows{{QStringLiteral("Title"), QStringLiteral("Data file"),
+                     QStringLiteral("Last updated"), QStringLiteral("Data time")}};
+    for (const Node *node : group.nodes()) {
+        const QDateTime dataTime = node->dataTime();
+        rows.append(
+            {node->nodeTitle(), node->fileName(), node->lastUpdate(),
+             dataTime.isValid() ? dataTime.toUTC().toString(Qt::ISODate) : QStringLiteral("-")});
+    }
     qsizetype titleWidth = 0;
     qsizetype fileWidth = 0;
+    qsizetype updatedWidth = 0;
     for (const Row &row : std::as_const(rows)) {
         titleWidth = std::max(titleWidth, row.title.size());
         fileWidth = std::max(fileWidth, row.file.size());
+        updatedWidth = std::max(updatedWidth, row.updated.size());
     }
     QString table;
     for (const Row &row : std::as_const(rows)) {
         table += row.title.leftJustified(titleWidth + 2) + row.file.leftJustified(fileWidth + 2) +
-                 row.updated + QLatin1Char('\n');
+                 row.updated.leftJustified(updatedWidth + 2) + row.dataTime + QLatin1Char('\n');
     }
     print(stdout, table);
     return Success;

@@ -58,10 +58,14 @@ private:
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2,
                 process.readAllStandardOutput(), process.readAllStandardError()};
     }
-    static void writeFile(const QString &path, const QByteArray &bytes)
+    // Dated (its modification time, the data's time) if a time is given.
+    static void writeFile(const QString &path, const QByteArray &bytes, const char *dated = nullptr)
     {
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        QVERIFY(!dated ||
+                (file.flush() && file.setFileTime(QDateTime::fromString(dated, Qt::ISODate),
+                                                  QFileDevice::FileModificationTime)));
     }
 
     QString _definitions;
@@ -81,9 +85,9 @@ void TestCommands::init()
          {"Node1", TestEnvironment::nodeDict("WKHF.txt", "Weekly")},
          {"Node2", TestEnvironment::nodeDict("Forecast.txt", "Three-day forecast")},
          {"Node3", TestEnvironment::nodeDict("Missing.txt", "Missing")}}));
-    writeFile(_data + "/RSGA.txt", ":Product: Daily\nIA. x");
-    writeFile(_data + "/WKHF.txt", ":Product: Weekly\nx\ny\n");
-    writeFile(_data + "/Forecast.txt", {}); // and none for Missing.txt
+    writeFile(_data + "/RSGA.txt", ":Product: Daily\nIA. x", "2026-11-16T07:51:00Z");
+    writeFile(_data + "/WKHF.txt", ":Product: Weekly\nx\ny\n", "2026-11-14T23:00:00+02:00");
+    writeFile(_data + "/Forecast.txt", {}, "2026-11-16T06:00:00Z"); // and none for Missing.txt
     // Bulletin files in the working folder.
     writeFile(_work + "/RSGA.txt", ":Product: R\n:Issued: d\nIA. x\x96y");
     writeFile(_work + "/WKHF.txt", "a\nb\n\n# c\n");
@@ -199,6 +203,7 @@ void TestCommands::fetch()
     QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataAlerts.plist",
                                                {{"Node0", node("RSGA.txt", "RSGA", "report")},
                                                 {"Node1", node("WKHF.txt", "W", "report")}}));
+    QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", {}));
 
     const QString data = _work + "/data"; // not there yet: fetch makes it
     const Result result = run(
@@ -253,11 +258,14 @@ void TestCommands::report_data()
     row("no stored copy", {"missing.txt"}, 1, notLoaded);
     row("no data folder", {"--data-dir", "nowhere", "rsga.txt"}, 1, notLoaded);
     row("list", {"--list"}, 0,
-        "Title                     Data file     Last updated\n"
-        "Daily title               RSGA.txt      Unknown\n"
-        "Weekly title              WKHF.txt      Monday, Nov 16 2026 at 05:57 PM\n"
-        "Three-day forecast title  Forecast.txt  Unknown\n"
-        "Missing title             Missing.txt   Unknown\n");
+        "Title                     Data file     Last updated                     Data time\n"
+        "Daily title               RSGA.txt      Unknown                          "
+        "2026-11-16T07:51:00Z\n"
+        "Weekly title              WKHF.txt      Monday, Nov 16 2026 at 05:57 PM  "
+        "2026-11-14T21:00:00Z\n"
+        "Three-day forecast title  Forecast.txt  Unknown                          "
+        "2026-11-16T06:00:00Z\n"
+        "Missing title             Missing.txt   Unknown                          -\n");
 }
 
 void TestCommands::report()

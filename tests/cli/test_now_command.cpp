@@ -1,4 +1,7 @@
 #include "TestEnvironment.h"
+#include "TestHttpServer.h"
+
+#include "core/now/NowHistory.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,8 +11,8 @@
 #include <QProcess>
 #include <QtTest>
 
-// "vantorel now" from the outside: data files written to a data folder, the command run as a
-// user would, its JSON members, the X-ray class and the exit status.
+// "vantorel now" and "vantorel watch --once" from the outside: data files written to a data
+// folder, the command run as a user would, its JSON members, the X-ray class and the exit status.
 class TestNowCommand : public QObject {
     Q_OBJECT
 
@@ -20,6 +23,8 @@ private slots:
     void xrayClass();
     void exitStatus_data();
     void exitStatus();
+    void watchOnce();
+    void fetchFeedsTheHistory();
 
 private:
     struct Result {
@@ -27,7 +32,7 @@ private:
         QJsonObject json;
         QString out;
     };
-    Result now(const QStringList &extra = {}) const;
+    Result now(const QStringList &extra = {}, const QString &command = "now") const;
     void write(const QString &file, const QString &json) const;
     void writeFreshData() const;
     QString _data;
@@ -64,12 +69,12 @@ void TestNowCommand::init()
     QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", root));
 }
 
-TestNowCommand::Result TestNowCommand::now(const QStringList &extra) const
+TestNowCommand::Result TestNowCommand::now(const QStringList &extra, const QString &command) const
 {
     QProcess process;
     process.setProcessEnvironment(TestEnvironment::headlessEnvironment());
     process.start(QStringLiteral(VANTOREL_BINARY),
-                  QStringList{"now", "--data-dir", _data, "--definitions", _definitions} + extra);
+                  QStringList{command, "--data-dir", _data, "--definitions", _definitions} + extra);
     Result result;
     if (!process.waitForFinished(30000))
         return result;
@@ -269,6 +274,54 @@ void TestNowCommand::exitStatus()
     QCOMPARE(r.code, code);
     if (!stale.isEmpty())
         QCOMPARE(r.json[stale].toObject()["stale"].toBool(), true);
+}
+
+void TestNowCommand::watchOnce()
+{
+    writeFreshData();
+    const Result first = now({"--once", "--json"}, "watch");
+    QCOMPARE(first.code, 0);
+    QList<QJsonObject> events;
+    for (const QString &line : first.out.split('\n', Qt::SkipEmptyParts))
+        events << QJsonDocument::fromJson(line.toUtf8()).object();
+    // The two alerts, then the K index of 5.33; the X2.3 flare three hours ago is older than a
+    // first look goes.
+    QCOMPARE(events.size(), 3);
+    QCOMPARE(events[0],
+             (QJsonObject{{"rule", "message"},
+                          {"time", ago(7200, "Z")},
+                          {"title", "ALERT: Geomagnetic K-index of 5"},
+                          {"detail", "Alert ALTK05, serial 2033, issued " +
+                                         base.addSecs(-7200).toString("HH:mm") + " UTC."}}));
+    QCOMPARE(events[1]["rule"].toString() + events[2]["rule"].toString(), "messagekp");
+    // Recorded as delivered: the same data again tells nothing new.
+    const Result again = now({"--once", "--json"}, "watch");
+    QCOMPARE(again.code, 0);
+    QCOMPARE(again.out, QString());
+    QCOMPARE(now({"--once", "now"}, "watch").code, 2);
+}
+
+// `vantorel fetch Now` downloads the group and merges what it brought into the history before
+// it exits.
+void TestNowCommand::fetchFeedsTheHistory()
+{
+    TestHttpServer server;
+    server.serve("/kp.json", QString(R"([{"time_tag":"%1","Kp":2.33},{"time_tag":"%2","Kp":4}])")
+                                 .arg(ago(4 * 3600), ago(3600))
+                                 .toUtf8());
+    QVariantMap node = TestEnvironment::nodeDict("kp.json", "K", server.baseUrl(), "kp.json");
+    node.insert("DataKind", "kp");
+    QVERIFY(TestEnvironment::writePropertyList(_definitions + "/DataNow.plist", {{"Node0", node}}));
+    QProcess process;
+    process.setProcessEnvironment(TestEnvironment::headlessEnvironment());
+    process.start(VANTOREL_BINARY,
+                  {"fetch", "Now", "--data-dir", _data, "--definitions", _definitions});
+    QVERIFY(QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 30000));
+    QCOMPARE(process.exitCode(), 0);
+    const NowSamples kept = NowHistory(NowHistory::pathInFolder(_data))
+                                .samples("kp", "kp", 0, std::numeric_limits<qint64>::max());
+    QCOMPARE(kept.size(), 2);
+    QCOMPARE(kept.last().value, 4.0);
 }
 
 VANTOREL_TEST_CORE_MAIN(TestNowCommand)

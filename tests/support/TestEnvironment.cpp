@@ -6,6 +6,7 @@
 #include "core/settings/Settings.h"
 #include "core/sources/GroupCatalogue.h"
 #include "core/util/Clock.h"
+#include "core/util/DisplayTime.h"
 #include "core/util/ResourceLocator.h"
 
 #include <QCoreApplication>
@@ -103,6 +104,7 @@ void TestEnvironment::resetState()
     ResourceLocator::setResourceFolder(QStringLiteral(VANTOREL_TEST_RESOURCE_DIR));
     ResourceLocator::setDefinitionsFolder(QString());
     Clock::setSource({});
+    DisplayTime::setUtc(false);
 }
 
 void TestEnvironment::setNow(const QDateTime &now)

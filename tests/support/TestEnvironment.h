@@ -22,7 +22,8 @@ public:
 
     static QString home();
     static QString makeFolder(const QString &name);
-    // Forgets the settings; resets the preferences, the clock and where files are looked up.
+    // Forgets the settings; resets the preferences, the clock, the zone times are shown in and
+    // where files are looked up.
     static void resetState();
 
     // Fixes the core's clock; advance() moves it on.

@@ -20,6 +20,8 @@ void ConsoleLogSink::addMessageToLog(const QString &message)
 
 void ConsoleLogSink::print(FILE *stream, const QString &message)
 {
+    if (!stream)
+        return;
     const QByteArray line = LogEntry::text(Clock::now(), message).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stream);
     std::fflush(stream);

@@ -5,7 +5,8 @@
 #include <cstdio>
 
 // Prints each entry as the log window would show it: messages on standard output, errors on
-// standard error, one line each, flushed at once so a pipe or a cron mail sees them in order.
+// standard error, one line each, flushed at once so a pipe or a cron mail sees them in order. A
+// null stream drops its kind of entry.
 class ConsoleLogSink : public LogSink {
 public:
     explicit ConsoleLogSink(FILE *messages = stdout, FILE *errors = stderr);

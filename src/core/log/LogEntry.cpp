@@ -4,7 +4,8 @@
 
 QString LogEntry::timestamp(const QDateTime &when)
 {
-    return CalendarFormat::format(when, QStringLiteral("%Y/%m/%d %I:%M%p"));
+    const QString stamp = CalendarFormat::format(when, QStringLiteral("%Y/%m/%d %I:%M%p"));
+    return when.timeSpec() == Qt::UTC ? stamp + QStringLiteral(" UTC") : stamp;
 }
 
 QString LogEntry::text(const QDateTime &when, const QString &message)

@@ -9,7 +9,8 @@ class LogEntry {
 public:
     enum class Kind { Message, Error };
 
-    // "%Y/%m/%d %I:%M%p", e.g. 2006/03/14 09:05PM.
+    // "%Y/%m/%d %I:%M%p", e.g. 2006/03/14 09:05PM, in the time's own zone; a time in UTC is
+    // marked so: 2006/03/14 09:05PM UTC.
     static QString timestamp(const QDateTime &when);
     // "[timestamp] message", the message exactly as given.
     static QString text(const QDateTime &when, const QString &message);

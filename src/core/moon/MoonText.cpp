@@ -2,7 +2,7 @@
 
 #include "core/moon/MoonCalc.h"
 #include "core/moon/MoonPhaseNames.h"
-#include "core/util/CalendarFormat.h"
+#include "core/util/DisplayTime.h"
 
 #include <cmath>
 
@@ -18,7 +18,7 @@ QString percent(double fraction)
 
 QString MoonText::formatDate(const QDateTime &date)
 {
-    return CalendarFormat::format(date, QStringLiteral("%B %d, %Y %I:%M %p"));
+    return DisplayTime::format(date, QStringLiteral("%B %d, %Y %I:%M %p"));
 }
 
 QString MoonText::dateLine(const MoonCalc &calc)

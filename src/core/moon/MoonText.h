@@ -33,6 +33,7 @@ public:
     // Two decimals with thousand separators: "402,126.49"; zero is "0.00" and a negative value
     // is put in parentheses.
     static QString formatDistance(double kilometres, const QLocale &locale = QLocale());
-    // "January 01, 2008 12:00 AM", in the date's own time zone.
+    // "January 01, 2008 12:00 AM", in local time, or "January 01, 2008 05:00 AM UTC" when the
+    // window shows times in UTC (DisplayTime).
     static QString formatDate(const QDateTime &date);
 };

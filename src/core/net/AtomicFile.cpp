@@ -9,6 +9,7 @@
 #include <QThreadPool>
 #include <QWaitCondition>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <deque>
@@ -27,6 +28,7 @@ struct AtomicFile::Writer {
         enum class Kind { Write, Clear, Commit } kind;
         QByteArray bytes;
         std::shared_ptr<QPromise<bool>> result;
+        QDateTime modificationTime = {};
     };
 
     explicit Writer(const QString &target) : path(target) {}
@@ -71,7 +73,7 @@ struct AtomicFile::Writer {
             failed = true;
     }
 
-    bool commit()
+    bool commit(const QDateTime &modificationTime)
     {
         if (failed || !file || !file->flush())
             return false;
@@ -94,6 +96,15 @@ struct AtomicFile::Writer {
                         QFile::encodeName(path).constData()) != 0)
             return false;
         file->setAutoRemove(false);
+        // Dated once in place, not before: a temporary file with an old date could pass for one
+        // a killed write left behind, and be swept away (AppCore). A date that cannot be set
+        // leaves the time of the write, which is a fair answer too.
+        if (modificationTime.isValid()) {
+            QFile target(path);
+            if (target.open(QIODevice::ReadOnly))
+                target.setFileTime(std::min(modificationTime, QDateTime::currentDateTimeUtc()),
+                                   QFileDevice::FileModificationTime);
+        }
         return true;
     }
 
@@ -129,7 +140,7 @@ struct AtomicFile::Writer {
                 break;
             case Job::Kind::Commit:
                 job.result->start();
-                job.result->addResult(writer.commit());
+                job.result->addResult(writer.commit(job.modificationTime));
                 job.result->finish();
                 break;
             }
@@ -238,7 +249,7 @@ bool AtomicFile::commit()
 {
     handOver();
     _writer->waitUntilIdle();
-    return _writer->commit();
+    return _writer->commit(_modificationTime);
 }
 
 QFuture<bool> AtomicFile::commitInBackground()
@@ -246,6 +257,6 @@ QFuture<bool> AtomicFile::commitInBackground()
     handOver();
     auto result = std::make_shared<QPromise<bool>>();
     QFuture<bool> future = result->future();
-    Writer::enqueue(_writer, {Writer::Job::Kind::Commit, {}, std::move(result)});
+    Writer::enqueue(_writer, {Writer::Job::Kind::Commit, {}, std::move(result), _modificationTime});
     return future;
 }

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QDateTime>
 #include <QFuture>
 #include <QString>
 
@@ -68,6 +69,10 @@ public:
     // future (which is cancelled instead when this object goes first). Written in place, the
     // future is finished on return.
     QFuture<bool> commitInBackground();
+    // When the data was made, given to the target as its modification time once it is in place
+    // (never a time later than that moment); none (the default) leaves the time of the write.
+    // Kept across clear(): it belongs to the answer, not to its bytes.
+    void setModificationTime(const QDateTime &time) { _modificationTime = time; }
 
 private:
     struct Writer;
@@ -78,4 +83,5 @@ private:
     std::shared_ptr<Writer> _writer;
     QByteArray _gathered;
     qint64 _size = 0;
+    QDateTime _modificationTime;
 };

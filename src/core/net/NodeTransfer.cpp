@@ -83,6 +83,9 @@ void NodeTransfer::receiveResponse()
     _expectedContentLength = (declared.isValid() && ok && length >= 0) ? length : -1;
     // Bytes of an earlier answer in the same transfer are dropped (the count is not).
     _data->clear();
+    // The server's word on when the file last changed dates the data file; without it, the
+    // download does.
+    _data->setModificationTime(_reply->header(QNetworkRequest::LastModifiedHeader).toDateTime());
     _firstBytes.clear();
     _percent = -1;
 

@@ -4,6 +4,9 @@
 #include "core/net/GzipData.h"
 #include "core/now/NowFormat.h"
 
+#include <QDateTime>
+#include <QTimeZone>
+
 namespace {
 
 QString formatProblem(const QString &reason)
@@ -40,6 +43,12 @@ QString NowDownload::check(const QString &kind, const QByteArray &contentEncodin
         data.clear();
         data.append(body);
     }
-    const QString problem = NowFormat::shapeProblem(kind, body);
-    return problem.isEmpty() ? QString() : formatProblem(problem);
+    std::optional<qint64> newest;
+    const QString problem = NowFormat::shapeProblem(kind, body, &newest);
+    if (!problem.isEmpty())
+        return formatProblem(problem);
+    // The data is as recent as its newest sample, whenever the server wrote the file.
+    if (newest)
+        data.setModificationTime(QDateTime::fromSecsSinceEpoch(*newest, QTimeZone::utc()));
+    return QString();
 }

@@ -13,7 +13,8 @@ public:
     // The Accept-Encoding header for a node of this kind ("" for an ordinary node).
     static QByteArray acceptEncoding(const QString &kind);
     // Readies a finished body for its atomic write: unpacks it in place when it came with
-    // gzip, then checks its shape. Empty when it may be written (always, for an ordinary node),
-    // otherwise the failure as the log words it after "Download of "NAME" Failed: ".
+    // gzip, then checks its shape, and dates the file by its newest sample. Empty when it may be
+    // written (always, for an ordinary node), otherwise the failure as the log words it after
+    // "Download of "NAME" Failed: ".
     static QString check(const QString &kind, const QByteArray &contentEncoding, AtomicFile &data);
 };

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -117,7 +119,18 @@ QString fieldProblem(const QJsonObject &row, const Field &field, const QString &
     return QString();
 }
 
-QString rowProblem(const QByteArrayView element, const KindShape &shape)
+// The row's time, read from the shape's time field (every row kind has one).
+std::optional<qint64> rowTime(const QJsonObject &row, const KindShape &shape)
+{
+    for (const Field &field : shape.fields) {
+        if (field.type == FieldType::Time)
+            return NowFormat::parseTime(row.value(QLatin1String(field.name)).toString());
+    }
+    return std::nullopt;
+}
+
+QString rowProblem(const QByteArrayView element, const KindShape &shape,
+                   std::optional<qint64> *newestTime = nullptr)
 {
     const QByteArray bytes = element.toByteArray();
     const QJsonDocument row = QJsonDocument::fromJson(bytes);
@@ -131,7 +144,29 @@ QString rowProblem(const QByteArrayView element, const KindShape &shape)
         if (!problem.isEmpty())
             return problem;
     }
+    if (newestTime) {
+        const std::optional<qint64> time = rowTime(object, shape);
+        if (time && (!*newestTime || **newestTime < *time))
+            *newestTime = time;
+    }
     return QString();
+}
+
+// A forecast's newest row is a prediction; the data is as recent as its newest observed or
+// estimated row. The file is a few kilobytes, so it is read whole.
+std::optional<qint64> newestKnownKp(const QByteArray &json, const KindShape &shape)
+{
+    std::optional<qint64> newest;
+    const QJsonArray rows = QJsonDocument::fromJson(json).array();
+    for (const QJsonValue &value : rows) {
+        const QJsonObject row = value.toObject();
+        if (row.value(QLatin1String("observed")).toString() == QLatin1String("predicted"))
+            continue;
+        const std::optional<qint64> time = rowTime(row, shape);
+        if (time && (!newest || *newest < *time))
+            newest = time;
+    }
+    return newest;
 }
 
 // The outline of a JSON text, found in one pass without building anything: the root's opening
@@ -229,7 +264,7 @@ std::optional<Outline> outline(QByteArrayView json)
     return result;
 }
 
-QString scalesProblem(const QByteArray &json)
+QString scalesProblem(const QByteArray &json, std::optional<qint64> *newestTime)
 {
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isObject())
@@ -249,6 +284,117 @@ QString scalesProblem(const QByteArray &json)
             return QStringLiteral("no %1 in %2").arg(quoted(name), where);
         if (!scale.toObject().contains(QLatin1String("Scale")))
             return QStringLiteral("no \"Scale\" in %1 of %2").arg(quoted(name), where);
+    }
+    // Today's entry is stamped with the time the scales were last set; the others are days.
+    if (newestTime) {
+        const QJsonObject entry = today.toObject();
+        *newestTime = NowFormat::parseTime(entry.value(QLatin1String("DateStamp")).toString() +
+                                           QLatin1Char('T') +
+                                           entry.value(QLatin1String("TimeStamp")).toString());
+    }
+    return QString();
+}
+
+// --- The aurora forecast ----------------------------------------------------------------------
+//
+// One object with two times and a grid of 65,160 points: [[longitude, latitude, value], ...].
+// Built as a JSON document, the grid costs tens of milliseconds and megabytes of objects; read
+// number by number, in one pass, it takes a few milliseconds, quick enough to check a download on
+// the main thread.
+
+const QString kCoordinatesProblem =
+    QStringLiteral("the coordinates are not [longitude, latitude, value] rows");
+
+// Skips blanks, then takes the character if it is the one expected.
+bool take(const char *&p, const char *end, char expected)
+{
+    while (p < end && isBlank(*p))
+        ++p;
+    if (p == end || *p != expected)
+        return false;
+    ++p;
+    return true;
+}
+
+bool takeNumber(const char *&p, const char *end, double &value)
+{
+    while (p < end && isBlank(*p))
+        ++p;
+    const std::from_chars_result result = std::from_chars(p, end, value);
+    if (result.ec != std::errc())
+        return false;
+    p = result.ptr;
+    return std::isfinite(value);
+}
+
+// Walks the list of points that starts at p (its '['), handing each to use(); every point must be
+// a whole degree of the grid, and the list must hold the whole grid. Empty when it does; `after`
+// is then just past the list.
+template <typename Use>
+QString walkGrid(const char *p, const char *end, const char *&after, Use use)
+{
+    ++p;
+    qsizetype count = 0;
+    for (bool more = !take(p, end, ']'); more; more = !take(p, end, ']')) {
+        double longitude = 0, latitude = 0, value = 0;
+        if ((count > 0 && !take(p, end, ',')) || !take(p, end, '[') ||
+            !takeNumber(p, end, longitude) || !take(p, end, ',') || !takeNumber(p, end, latitude) ||
+            !take(p, end, ',') || !takeNumber(p, end, value) || !take(p, end, ']'))
+            return kCoordinatesProblem;
+        if (longitude != std::floor(longitude) || latitude != std::floor(latitude) ||
+            longitude < 0 || longitude >= AuroraGrid::kLongitudes || latitude < -90 ||
+            latitude > 90)
+            return QStringLiteral("the point [%1, %2] is not on the grid")
+                .arg(longitude)
+                .arg(latitude);
+        use(int(longitude), int(latitude), value);
+        ++count;
+    }
+    if (count != AuroraGrid::kPoints)
+        return QStringLiteral("the grid has %1 points, not %2").arg(count).arg(AuroraGrid::kPoints);
+    after = p;
+    return QString();
+}
+
+// Why the text is not an aurora forecast (empty when it is); fills the grid when one is given.
+QString readOvation(const QByteArray &json, AuroraGrid *grid)
+{
+    const std::optional<Outline> layout = outline(json);
+    if (!layout)
+        return QStringLiteral("not JSON, or cut short");
+    if (layout->root != '{')
+        return QStringLiteral("not a JSON object");
+    const QByteArrayView key("\"coordinates\"");
+    const qsizetype at = json.indexOf(key);
+    const char *const end = json.constData() + json.size();
+    const char *p = json.constData() + std::max<qsizetype>(at, 0) + key.size();
+    if (at < 0 || !take(p, end, ':'))
+        return QStringLiteral("no \"coordinates\" in the object");
+    if (!take(p, end, '['))
+        return kCoordinatesProblem;
+    const char *list = p - 1;
+    const char *after = nullptr;
+    const QString problem = walkGrid(list, end, after, [grid](int lon, int lat, double value) {
+        if (grid)
+            grid->setValue(lon, lat, value);
+    });
+    if (!problem.isEmpty())
+        return problem;
+
+    // Without its grid, the object is small enough to read whole.
+    const QByteArray rest = QByteArrayView(json.constData(), list).toByteArray() + "[]" +
+                            QByteArrayView(after, end).toByteArray();
+    const QJsonObject object = QJsonDocument::fromJson(rest).object();
+    const QString where = QStringLiteral("the object");
+    for (const char *name : {"Observation Time", "Forecast Time"}) {
+        const QString timeProblem = fieldProblem(object, {name, FieldType::Time}, where);
+        if (!timeProblem.isEmpty())
+            return timeProblem;
+    }
+    if (grid) {
+        grid->setTimes(
+            *NowFormat::parseTime(object.value(QLatin1String("Observation Time")).toString()),
+            *NowFormat::parseTime(object.value(QLatin1String("Forecast Time")).toString()));
     }
     return QString();
 }
@@ -356,35 +502,70 @@ QStringList NowFormat::kinds()
     for (const KindShape &shape : shapes())
         list.append(QLatin1String(shape.kind));
     list.append(QStringLiteral("scales"));
+    list.append(QStringLiteral("ovation"));
     return list;
 }
 
 bool NowFormat::isKnownKind(const QString &kind)
 {
-    return kind == QLatin1String("scales") || shapeOf(kind);
+    return kind == QLatin1String("scales") || kind == QLatin1String("ovation") || shapeOf(kind);
 }
 
-QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json)
+QString NowFormat::shapeProblem(const QString &kind, const QByteArray &json,
+                                std::optional<qint64> *newestTime)
 {
+    if (newestTime)
+        newestTime->reset();
+    if (kind == QLatin1String("ovation")) {
+        if (!newestTime)
+            return readOvation(json, nullptr);
+        // The forecast's data time is when it was observed; reading the grid for it costs a few
+        // milliseconds, no more than the check itself.
+        AuroraGrid grid;
+        const QString problem = readOvation(json, &grid);
+        if (problem.isEmpty() && grid.observationTime() > 0)
+            *newestTime = grid.observationTime();
+        return problem;
+    }
     const KindShape *shape = shapeOf(kind);
     if (!shape && kind != QLatin1String("scales"))
         return QStringLiteral("\"%1\" is no kind of data this version reads").arg(kind);
     const std::optional<Outline> layout = outline(json);
     if (!layout)
         return QStringLiteral("not JSON, or cut short");
-    if (!shape)
-        return layout->root == '{' ? scalesProblem(json) : QStringLiteral("not a JSON object");
+    if (!shape) {
+        return layout->root == '{' ? scalesProblem(json, newestTime)
+                                   : QStringLiteral("not a JSON object");
+    }
     if (layout->root != '[')
         return QStringLiteral("not a JSON array");
     if (layout->count == 0)
         return shape->mayBeEmpty ? QString() : QStringLiteral("no rows");
-    const QString problem = rowProblem(layout->first, *shape);
-    return problem.isEmpty() ? rowProblem(layout->last, *shape) : problem;
+    std::optional<qint64> newest;
+    QString problem = rowProblem(layout->first, *shape, &newest);
+    if (problem.isEmpty())
+        problem = rowProblem(layout->last, *shape, &newest);
+    if (problem.isEmpty() && newestTime)
+        *newestTime = kind == QLatin1String("kp-forecast") ? newestKnownKp(json, *shape) : newest;
+    return problem;
 }
 
 std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray &json,
                                            QString *problem)
 {
+    if (kind == QLatin1String("ovation")) {
+        const std::optional<AuroraGrid> grid = parseOvation(json, problem);
+        if (!grid)
+            return std::nullopt;
+        NowSamples samples{
+            {QStringLiteral("observation"), grid->observationTime(), std::nan(""), QString()},
+            // Like the K index forecast's rows, the time a prediction is for is not a data time.
+            {QStringLiteral("forecast"), grid->forecastTime(), grid->highestValue(),
+             QStringLiteral("predicted")}};
+        std::stable_sort(samples.begin(), samples.end(),
+                         [](const NowSample &a, const NowSample &b) { return a.time < b.time; });
+        return samples;
+    }
     QString why = shapeProblem(kind, json);
     QJsonParseError error;
     const QJsonDocument document =
@@ -409,6 +590,17 @@ std::optional<NowSamples> NowFormat::parse(const QString &kind, const QByteArray
     std::stable_sort(samples.begin(), samples.end(),
                      [](const NowSample &a, const NowSample &b) { return a.time < b.time; });
     return samples;
+}
+
+std::optional<AuroraGrid> NowFormat::parseOvation(const QByteArray &json, QString *problem)
+{
+    AuroraGrid grid;
+    const QString why = readOvation(json, &grid);
+    if (why.isEmpty())
+        return grid;
+    if (problem)
+        *problem = why;
+    return std::nullopt;
 }
 
 std::optional<qint64> NowFormat::parseTime(const QString &text)

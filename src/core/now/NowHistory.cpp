@@ -266,6 +266,27 @@ NowSamples NowHistory::samples(const QString &kind, const QString &series, qint6
     return result;
 }
 
+void NowHistory::scanValues(const QString &kind, const QString &series, qint64 from, qint64 to,
+                            const std::function<void(qint64, double)> &take)
+{
+    if (!open())
+        return;
+    const qint64 id = seriesId(kind, series, false);
+    if (id < 0)
+        return;
+    QSqlQuery query(database());
+    query.setForwardOnly(true);
+    query.prepare(QStringLiteral("SELECT time, value FROM samples WHERE series = ? AND "
+                                 "time BETWEEN ? AND ? AND value IS NOT NULL ORDER BY time"));
+    query.addBindValue(id);
+    query.addBindValue(from);
+    query.addBindValue(to);
+    if (!query.exec())
+        return;
+    while (query.next())
+        take(query.value(0).toLongLong(), query.value(1).toDouble());
+}
+
 bool NowHistory::clear()
 {
     if (!open())

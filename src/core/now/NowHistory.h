@@ -5,6 +5,8 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
+
 class LogSink;
 class QSqlDatabase;
 class QSqlError;
@@ -45,6 +47,10 @@ public:
     int merge(const QString &kind, const NowSamples &samples, qint64 now, int retentionDays);
     // What is kept of one series from `from` to `to` (inclusive), oldest first.
     NowSamples samples(const QString &kind, const QString &series, qint64 from, qint64 to);
+    // The values of the same, without the samples that have none, handed to `take` one at a time:
+    // a long span of one-minute rows is read without building a list of them.
+    void scanValues(const QString &kind, const QString &series, qint64 from, qint64 to,
+                    const std::function<void(qint64 time, double value)> &take);
     // Forgets everything kept; the file stays, emptied.
     bool clear();
 

@@ -1,11 +1,13 @@
 #include "core/now/NowRecorder.h"
 
 #include "core/log/LogSink.h"
+#include "core/now/NowChartQuery.h"
 #include "core/now/NowFormat.h"
 #include "core/now/NowHistory.h"
 #include "core/settings/Preferences.h"
 #include "core/util/Clock.h"
 
+#include <QAtomicInt>
 #include <QFile>
 #include <QThread>
 
@@ -41,6 +43,8 @@ public:
     QString _path;
     NowRecorder *_recorder;
     std::unique_ptr<NowHistory> _history;
+    // The newest chart request; the older ones still queued are skipped.
+    QAtomicInt _chartRequest;
 };
 
 NowRecorder::NowRecorder(const QString &databasePath, QObject *parent)
@@ -67,6 +71,10 @@ NowRecorder::~NowRecorder()
 
 void NowRecorder::record(const QString &kind, const QString &filePath)
 {
+    // The aurora forecast is a map of the next hour, not a measurement: 65,160 points every half
+    // hour would swell the history by gigabytes a year, and no chart shows it.
+    if (kind == QLatin1String("ovation"))
+        return;
     const qint64 now = Clock::now().toSecsSinceEpoch();
     const int days = Preferences::shared().historyRetentionDays();
     QMetaObject::invokeMethod(
@@ -87,6 +95,23 @@ void NowRecorder::record(const QString &kind, const QString &filePath)
                 w->answer([r = w->_recorder, kind, written] { emit r->recorded(kind, written); });
         },
         Qt::QueuedConnection);
+}
+
+int NowRecorder::requestChartData(qint64 span, int columns)
+{
+    const qint64 now = Clock::now().toSecsSinceEpoch();
+    const int request = _worker->_chartRequest.fetchAndAddOrdered(1) + 1;
+    QMetaObject::invokeMethod(
+        _worker,
+        [w = _worker, request, now, span, columns] {
+            if (w->_chartRequest.loadAcquire() != request)
+                return;
+            NowChartData data = NowChartQuery::run(w->history(), now, span, columns);
+            data.request = request;
+            w->answer([r = w->_recorder, data = std::move(data)] { emit r->chartDataReady(data); });
+        },
+        Qt::QueuedConnection);
+    return request;
 }
 
 void NowRecorder::clearHistory()

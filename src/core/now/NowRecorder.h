@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/now/NowChartData.h"
+
 #include <QObject>
 #include <QString>
 
@@ -18,13 +20,19 @@ public:
     ~NowRecorder() override;
 
     // Reads the checked data file of that kind and merges its samples into the history, keeping
-    // the retention that the preferences give.
+    // the retention that the preferences give. The aurora forecast ("ovation") is not kept.
     void record(const QString &kind, const QString &filePath);
     // Forgets the whole history (the user has confirmed it).
     void clearHistory();
+    // Asks for what the charts show over the span before now, thinned to that many pixel
+    // columns (see NowChartQuery); returns the request's number, which chartDataReady() carries.
+    // A request still waiting when a newer one is made is dropped unanswered: a user clicking
+    // through the ranges waits for one reading, not for all of them.
+    int requestChartData(qint64 span, int columns);
 
 signals:
     void recorded(const QString &kind, int samples);
+    void chartDataReady(const NowChartData &data);
     void historyCleared(bool ok);
     // A line for the activity log: a damaged database moved aside, a merge that failed.
     void problem(const QString &message);

@@ -244,7 +244,7 @@ QString utcText(const QJsonValue &iso)
            QStringLiteral(" UTC");
 }
 
-QString ageText(qint64 seconds)
+QString ageInWords(qint64 seconds)
 {
     const qint64 minutes = std::max<qint64>(seconds, 0) / 60;
     if (minutes < 60)
@@ -252,12 +252,6 @@ QString ageText(qint64 seconds)
     if (minutes < 48 * 60)
         return QStringLiteral("%1 h %2 min old").arg(minutes / 60).arg(minutes % 60);
     return QStringLiteral("%1 d %2 h old").arg(minutes / 1440).arg(minutes / 60 % 24);
-}
-
-QString age(const QJsonObject &object)
-{
-    const QString text = ageText(object.value(QStringLiteral("ageSeconds")).toInteger());
-    return object.value(QStringLiteral("stale")).toBool() ? QStringLiteral("stale: ") + text : text;
 }
 
 QString number(const QJsonValue &value, int decimals)
@@ -352,6 +346,21 @@ QString NowSummary::xrayClass(double flux)
     return QString();
 }
 
+QString NowSummary::ageText(const QJsonObject &member)
+{
+    const QString text = ageInWords(member.value(QStringLiteral("ageSeconds")).toInteger());
+    return member.value(QStringLiteral("stale")).toBool() ? QStringLiteral("stale: ") + text : text;
+}
+
+QStringList NowSummary::messageTexts(const Data &data)
+{
+    QStringList texts;
+    const NowSamples &samples = data.value(QStringLiteral("messages"));
+    for (auto it = samples.crbegin(); it != samples.crend(); ++it)
+        texts.append(it->text);
+    return texts;
+}
+
 int NowSummary::gScale(double kp)
 {
     return kp < 5.0 ? 0 : std::min(int(std::floor(kp)) - 4, 5);
@@ -373,7 +382,7 @@ QString NowSummary::plainText(const QJsonObject &summary)
             lines.append({label, QStringLiteral("no data"), QString(), QString()});
         else
             lines.append({label, value, utcText(o.value(QStringLiteral("time"))),
-                          withAge ? age(o) : QString()});
+                          withAge ? NowSummary::ageText(o) : QString()});
     };
 
     const QJsonObject kpNow = object("kp");

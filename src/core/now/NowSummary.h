@@ -32,6 +32,10 @@ public:
     static bool allCurrent(const QJsonObject &summary);
     // The summary as a few aligned lines for a person at a terminal, times in UTC.
     static QString plainText(const QJsonObject &summary);
+    // How old a member's value is, as people read it: "12 min old", "stale: 2 h 10 min old".
+    static QString ageText(const QJsonObject &member);
+    // The forecasters' whole messages, in the order of the summary's "messages" (newest first).
+    static QStringList messageTexts(const Data &data);
 
     // "C2.3": the class letter and the flux in units of the letter's base, cut (not rounded) to
     // one decimal.

@@ -22,6 +22,8 @@ const char *registeredDefault(const char *key)
         {Preferences::kTimeoutSeconds, "60"},
         {Preferences::kSouthernHemisphere, "0"},
         {Preferences::kHistoryRetentionDays, "400"},
+        {Preferences::kShowTimesInUTC, "1"},
+        {Preferences::kAppearance, "0"},
     };
     for (const auto &d : defaults) {
         if (qstrcmp(d.key, key) == 0)
@@ -83,6 +85,9 @@ void Preferences::loadPreferences(QSettings &settings)
     _timeoutSeconds = readFloat(settings, kTimeoutSeconds);
     _southernHemisphere = readInt(settings, kSouthernHemisphere) != 0;
     _historyRetentionDays = readInt(settings, kHistoryRetentionDays);
+    _notifications.load(settings);
+    _showTimesInUTC = readInt(settings, kShowTimesInUTC) != 0;
+    _appearance = readInt(settings, kAppearance);
 }
 
 void Preferences::savePreferences(QSettings &settings) const
@@ -95,4 +100,7 @@ void Preferences::savePreferences(QSettings &settings) const
     settings.setValue(QLatin1String(kTimeoutSeconds), double(_timeoutSeconds));
     settings.setValue(QLatin1String(kSouthernHemisphere), int(_southernHemisphere));
     settings.setValue(QLatin1String(kHistoryRetentionDays), _historyRetentionDays);
+    _notifications.save(settings);
+    settings.setValue(QLatin1String(kShowTimesInUTC), int(_showTimesInUTC));
+    settings.setValue(QLatin1String(kAppearance), int(appearance()));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/settings/NotificationSettings.h"
+
 #include <QString>
 
 #include <optional>
@@ -43,6 +45,22 @@ public:
         return _historyRetentionDays >= 1 ? _historyRetentionDays : kDefaultHistoryRetentionDays;
     }
 
+    // What the watcher notifies about; stored with the other preferences.
+    const NotificationSettings &notifications() const { return _notifications; }
+    void setNotifications(const NotificationSettings &settings) { _notifications = settings; }
+    // How the window shows itself: times in UTC (the default) or local time, and its colours.
+    enum class Appearance { System = 0, Light = 1, Dark = 2 };
+    bool showTimesInUTC() const { return _showTimesInUTC; }
+    // Any stored number that is not one of the three is the system's.
+    Appearance appearance() const
+    {
+        return _appearance == int(Appearance::Light) || _appearance == int(Appearance::Dark)
+                   ? Appearance(_appearance)
+                   : Appearance::System;
+    }
+    void setShowTimesInUTC(bool on) { _showTimesInUTC = on; }
+    void setAppearance(Appearance appearance) { _appearance = int(appearance); }
+
     void setLastView(int view) { _lastView = view; }
     void setOnline(bool online) { _isOnline = online; }
     void setLogErrorsOnly(bool on) { _logErrorsOnly = on; }
@@ -67,6 +85,8 @@ public:
     static constexpr const char *kTimeoutSeconds = "timeoutSeconds";
     static constexpr const char *kSouthernHemisphere = "southernHemisphere";
     static constexpr const char *kHistoryRetentionDays = "historyRetentionDays";
+    static constexpr const char *kShowTimesInUTC = "showTimesInUTC";
+    static constexpr const char *kAppearance = "appearance";
     static constexpr float kDefaultTimeoutSeconds = 60.0f;
     static constexpr int kDefaultHistoryRetentionDays = 400;
 
@@ -79,5 +99,8 @@ private:
     float _timeoutSeconds = kDefaultTimeoutSeconds;
     bool _southernHemisphere = false;
     int _historyRetentionDays = kDefaultHistoryRetentionDays;
+    bool _showTimesInUTC = true;
+    int _appearance = int(Appearance::System);
     std::optional<float> _timeoutOverride;
+    NotificationSettings _notifications;
 };

@@ -1,5 +1,8 @@
 #include "core/shell/AppCore.h"
 
+#include "core/log/LogSink.h"
+#include "core/now/NowHistory.h"
+#include "core/now/NowRecorder.h"
 #include "core/settings/Preferences.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
@@ -122,7 +125,58 @@ bool AppCore::loadGroup(NodeGroup *group)
 {
     const GroupCatalogue::Group *entry = GroupCatalogue::group(group->groupNumber());
     group->setDataFolderPath(_dataFolderPath);
-    return entry && group->loadDefinitionFile(entry->definitionFile);
+    const bool loaded = entry && group->loadDefinitionFile(entry->definitionFile);
+    if (loaded && group->groupNumber() == GroupCatalogue::Now) {
+        connect(group, &NodeGroup::nodeDataLoaded, this, &AppCore::recordNowData,
+                Qt::UniqueConnection);
+        recordStoredNowData(group);
+    }
+    return loaded;
+}
+
+NowRecorder *AppCore::nowRecorder()
+{
+    if (!_nowRecorder) {
+        // Never a history beside wherever the program happened to start.
+        if (_dataFolderPath.isEmpty())
+            prepareDataFolder();
+        _nowRecorder = new NowRecorder(NowHistory::pathInFolder(_dataFolderPath), this);
+        connect(_nowRecorder, &NowRecorder::problem, this, [this](const QString &message) {
+            if (_log)
+                _log->addErrorToLog(message);
+        });
+        connect(_nowRecorder, &NowRecorder::historyCleared, this, [this](bool ok) {
+            if (!_log)
+                return;
+            if (ok)
+                _log->addMessageToLog(QStringLiteral("The history was cleared."));
+            else
+                _log->addErrorToLog(QStringLiteral("The history could not be cleared."));
+        });
+    }
+    return _nowRecorder;
+}
+
+void AppCore::clearHistory()
+{
+    nowRecorder()->clearHistory();
+    // The data files on disk are still good: the charts start again from them, not from nothing.
+    if (NodeGroup *now = groupNumbered(GroupCatalogue::Now))
+        recordStoredNowData(now);
+}
+
+void AppCore::recordNowData(Node *node)
+{
+    if (!node->dataKind().isEmpty())
+        nowRecorder()->record(node->dataKind(), node->filePath());
+}
+
+void AppCore::recordStoredNowData(NodeGroup *group)
+{
+    for (Node *node : group->allNodes()) {
+        if (QFileInfo(node->filePath()).isFile())
+            recordNowData(node);
+    }
 }
 
 void AppCore::loadAllGroups()
@@ -162,6 +216,7 @@ int AppCore::removeStaleTemporaryFiles(int minimumAgeSeconds)
 
 void AppCore::setLog(LogSink *log)
 {
+    _log = log;
     for (NodeGroup *group : groupsInViewOrder())
         group->setLog(log);
 }

@@ -6,7 +6,9 @@
 class DomainGroup;
 class FlatGroup;
 class LogSink;
+class Node;
 class NodeGroup;
+class NowRecorder;
 class QTimer;
 
 // The part of the application that needs no display: the data folder, the data groups, the
@@ -65,8 +67,16 @@ public:
     void runAllScheduledUpdates();
     void updateAllNodes();
     void cancelAllDownloads();
-    // Empties every group's cache; the caller has asked the user first.
+    // Empties every group's cache; the caller has asked the user first. The history stays.
     void emptyGroupCaches();
+
+    // The history of the Now group's data ("History.sqlite" in the data folder), made when first
+    // asked for. Every checked download of the group is merged into it on the recorder's own
+    // thread; ending the application waits for a merge under way.
+    NowRecorder *nowRecorder();
+    // Forgets the whole history, then merges the Now data files on disk again; the caller has
+    // asked the user first. The file stays. The outcome goes to the log.
+    void clearHistory();
 
     void startScheduler();
     void stopScheduler();
@@ -89,9 +99,16 @@ signals:
 
 private:
     void setOnline(bool online);
+    void recordNowData(Node *node);
+    // Merges the group's stored data files again, for what a merge cut short by a kill, or a
+    // download made while the history could not be written, left out. Cheap when nothing is new:
+    // rows that did not change are not written again.
+    void recordStoredNowData(NodeGroup *group);
 
     QString _dataFolderOverride;
     QString _dataFolderPath;
     QList<NodeGroup *> _groups;
     QTimer *_scheduler = nullptr;
+    LogSink *_log = nullptr;
+    NowRecorder *_nowRecorder = nullptr;
 };

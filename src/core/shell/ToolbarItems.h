@@ -35,7 +35,7 @@ public:
     // "Online" only while offline; "Offline" and "Update" only while online; all others always.
     static bool isEnabled(const QString &identifier, bool online);
 
-    // The view number an item shows (0 to 5), or -1 for an item that shows no view.
+    // The view number an item shows (0 to 6), or -1 for an item that shows no view.
     static int viewNumberForIdentifier(const QString &identifier);
     // The item marked as selected for a view number; unknown numbers mark the first view's.
     static QString identifierForViewNumber(int viewNumber);

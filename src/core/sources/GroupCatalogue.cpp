@@ -36,6 +36,7 @@ const QList<GroupCatalogue::Group> &GroupCatalogue::groups()
          3},
         {Alerts, QStringLiteral("Alerts"), QStringLiteral("DataAlerts.plist"), Layout::Flat, {}, 4},
         {Moon, QStringLiteral("Moon"), QString(), Layout::None, {}, -1},
+        {Now, QStringLiteral("Now"), QStringLiteral("DataNow.plist"), Layout::Flat, {}, 5},
     };
     return table;
 }

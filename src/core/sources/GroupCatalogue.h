@@ -11,7 +11,7 @@ class GroupCatalogue {
 public:
     // The view numbers. They are stored ("lastView") and order the toolbar, so they never change
     // meaning; the image groups' group numbers are the same numbers.
-    enum Number { Sun = 0, Graphs = 1, Aurora = 2, Earth = 3, Alerts = 4, Moon = 5 };
+    enum Number { Sun = 0, Graphs = 1, Aurora = 2, Earth = 3, Alerts = 4, Moon = 5, Now = 6 };
 
     // How a group's definition file is laid out.
     enum class Layout {

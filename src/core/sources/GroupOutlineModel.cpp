@@ -3,6 +3,8 @@
 #include "core/sources/Domain.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeTimes.h"
+#include "core/util/Clock.h"
 
 GroupOutlineModel::GroupOutlineModel(DomainGroup *group, QObject *parent)
     : QAbstractItemModel(parent), _group(group)
@@ -51,6 +53,18 @@ void GroupOutlineModel::refreshNode(const Node *node)
     const QModelIndex first = indexForNode(node, 0);
     if (first.isValid())
         emit dataChanged(first, indexForNode(node, 1));
+}
+
+void GroupOutlineModel::refreshStatuses()
+{
+    for (int d = 0; d < _domains.size(); ++d) {
+        const int count = _domains[d]->childrenCount();
+        if (count == 0)
+            continue;
+        const QModelIndex domain = index(d, 0);
+        emit dataChanged(index(0, 1, domain), index(count - 1, 1, domain),
+                         {Qt::DisplayRole, Qt::ToolTipRole});
+    }
 }
 
 OutlineItem *GroupOutlineModel::itemForIndex(const QModelIndex &index) const
@@ -133,13 +147,23 @@ QVariant GroupOutlineModel::data(const QModelIndex &index, int role) const
     OutlineItem *item = itemForIndex(index);
     if (!item)
         return QVariant();
-    if (role == Qt::DisplayRole)
-        return objectValue(item, columnIdentifier(index.column()));
     if (role == Qt::TextAlignmentRole && index.column() == 1)
         return int(Qt::AlignCenter);
-    if (role == Qt::ToolTipRole && item->isNode()) {
-        const auto *node = static_cast<const Node *>(item);
-        return node->longStatus().isEmpty() ? node->nodeTitle() : node->longStatus();
+    if (!item->isNode() || (role == Qt::DisplayRole && index.column() != 1)) {
+        return role == Qt::DisplayRole ? objectValue(item, columnIdentifier(index.column()))
+                                       : QVariant();
+    }
+    const auto *node = static_cast<const Node *>(item);
+    if (role == Qt::DisplayRole) {
+        const bool quiet = node->state() == Node::State::Done || node->state() == Node::State::Idle;
+        return quiet && NodeTimes::isStale(*node, Clock::now()) ? NodeTimes::staleMark()
+                                                                : node->itemStatus();
+    }
+    if (role == Qt::ToolTipRole) {
+        const QString status =
+            node->longStatus().isEmpty() ? node->nodeTitle() : node->longStatus();
+        const QString stale = NodeTimes::staleReason(*node, Clock::now());
+        return stale.isEmpty() ? status : status + QLatin1Char('\n') + stale;
     }
     return QVariant();
 }

@@ -9,7 +9,10 @@ class Node;
 class OutlineItem;
 
 // The outline of an image group: its domains as top-level rows, each with its nodes beneath.
-// Column 0 ("itemName") holds the item's name, column 1 ("nodeStatus") its short status.
+// Column 0 ("itemName") holds the item's name, column 1 ("nodeStatus") its short status, except
+// that an item whose data is stale and that has nothing more pressing to say (it is neither
+// downloading, waiting nor failed) shows the stale mark instead of the check mark; its tooltip
+// says why (NodeTimes).
 class GroupOutlineModel : public QAbstractItemModel {
     Q_OBJECT
 
@@ -29,6 +32,8 @@ public:
     void reloadData();
     // Redraws a node's row, e.g. after its status changed.
     void refreshNode(const Node *node);
+    // Redraws every node's status, as time makes data stale.
+    void refreshStatuses();
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;

@@ -92,6 +92,12 @@ bool Node::fileDownloaded() const
     return QFileInfo::exists(_filePath);
 }
 
+QDateTime Node::dataTime() const
+{
+    const QFileInfo file(_filePath);
+    return file.exists() ? file.lastModified() : QDateTime();
+}
+
 void Node::setStatusMessage(const QString &shortStatus, const QString &longStatus)
 {
     _statusMessage = shortStatus;

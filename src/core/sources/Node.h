@@ -41,6 +41,10 @@ public:
     void cleanup();
     void removeDataFile();
     bool fileDownloaded() const;
+    // When the data in the data file was made: the file's modification time, which a download
+    // sets to the server's last change or the newest sample's time where it knows them (see
+    // NodeTransfer, NowDownload), else the time of the download. Invalid without a data file.
+    QDateTime dataTime() const;
 
     // Status: both texts always change together, then the delegate hears of it. The node's own
     // changes go through its state; setStatusMessage() sets texts of the caller's choosing and
@@ -86,6 +90,7 @@ public:
     void setLastUpdateNow() { _schedule.setLastUpdateNow(); }
     // Due for an automatic update; never while a transfer runs.
     bool checkAutoUpdate() const;
+    bool hasLastUpdate() const { return _schedule.hasLastUpdate(); }
     QString lastUpdate() const { return _schedule.lastUpdate(); }
     QString shortLastUpdate() const { return _schedule.shortLastUpdate(); }
     QString nextUpdate() const { return _schedule.nextUpdate(); }

@@ -37,6 +37,8 @@ public:
 
     // The texts shown: "Unknown" without history, and no next update while automatic updating is
     // off ("" long, "Not Scheduled" short).
+    // Whether the node has been updated (or tried to be) since it was first made.
+    bool hasLastUpdate() const { return !_lastUpdateString.isEmpty(); }
     QString lastUpdate() const;
     QString shortLastUpdate() const;
     QString nextUpdate() const;

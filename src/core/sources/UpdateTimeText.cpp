@@ -1,17 +1,35 @@
 #include "core/sources/UpdateTimeText.h"
 
 #include "core/util/CalendarFormat.h"
+#include "core/util/DisplayTime.h"
 
 #include <QRegularExpression>
 
+namespace {
+
+const QString kLongLastUpdate = QStringLiteral("%A, %b %d %Y at %I:%M %p");
+const QString kLongNextUpdate = QStringLiteral("%m/%d at %I:%M %p");
+
+} // namespace
+
 QString UpdateTimeText::longLastUpdate(const QDateTime &when)
 {
-    return CalendarFormat::format(when, QStringLiteral("%A, %b %d %Y at %I:%M %p"));
+    return CalendarFormat::format(when, kLongLastUpdate);
 }
 
 QString UpdateTimeText::longNextUpdate(const QDateTime &when)
 {
-    return CalendarFormat::format(when, QStringLiteral("%m/%d at %I:%M %p"));
+    return CalendarFormat::format(when, kLongNextUpdate);
+}
+
+QString UpdateTimeText::shownLongLastUpdate(const QDateTime &when)
+{
+    return DisplayTime::format(when, kLongLastUpdate);
+}
+
+QString UpdateTimeText::shownLongNextUpdate(const QDateTime &when)
+{
+    return DisplayTime::format(when, kLongNextUpdate);
 }
 
 QString UpdateTimeText::shortForm(const QDateTime &when)

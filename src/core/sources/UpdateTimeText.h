@@ -14,6 +14,11 @@ public:
     // "%m/%d @ %I:%M%p": 11/16 @ 05:57PM.
     static QString shortForm(const QDateTime &when);
 
+    // The long forms as the window shows them: in the zone the user chose (DisplayTime), marked
+    // " UTC" in UTC. In local time they read exactly as the stored forms.
+    static QString shownLongLastUpdate(const QDateTime &when);
+    static QString shownLongNextUpdate(const QDateTime &when);
+
     // Reads a text in the long last-update form back as a local date and time with minute
     // precision. Returns an invalid date for anything else; never throws or crashes.
     static QDateTime parseLongLastUpdate(const QString &text);

@@ -3,8 +3,11 @@
 #include "core/settings/Settings.h"
 #include "core/sources/FlatGroup.h"
 #include "core/sources/Node.h"
+#include "core/sources/NodeTimes.h"
+#include "ui/common/DataAgeLine.h"
 #include "ui/common/FailureLine.h"
 #include "ui/common/FileManager.h"
+#include "ui/common/TimeTicker.h"
 #include "ui/common/ViewSizeKeeper.h"
 #include "ui/sources/NodeScheduler.h"
 
@@ -75,9 +78,12 @@ void AlertsView::buildInterface()
     _nodeLastUpdateField->setTextFormat(Qt::PlainText);
     _nodeLastUpdateField->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     _failureField = new FailureLine;
+    _dataAgeField = new DataAgeLine;
     auto *bottom = new QHBoxLayout;
     bottom->addWidget(_nodeStatusField);
     bottom->addWidget(_failureField, 1);
+    bottom->addWidget(_dataAgeField);
+    bottom->addSpacing(12);
     bottom->addWidget(_nodeLastUpdateField);
 
     auto *layout = new QVBoxLayout(this);
@@ -94,6 +100,7 @@ void AlertsView::buildInterface()
             &AlertsView::cancelSelectedNodeDownload);
     connect(_scheduleNodeButton, &QPushButton::clicked, this,
             &AlertsView::openScheduleWindowForNode);
+    connect(TimeTicker::shared(), &TimeTicker::ticked, this, &AlertsView::refreshTimes);
 }
 
 void AlertsView::connectGroup()
@@ -183,8 +190,9 @@ void AlertsView::setTextViewText(const QString &text)
 void AlertsView::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    // A copy: setting the text forgets the pending one.
     if (_textPending)
-        setTextViewText(_pendingText);
+        setTextViewText(QString(_pendingText));
 }
 
 void AlertsView::clearTextViewText()
@@ -198,11 +206,11 @@ void AlertsView::updateInterfaceForSelection()
     _nodeListMenu->setEnabled(_group->nodeCount() > 0);
     _dailyReportButton->setEnabled(_group->nodeCount() > 0);
     _refreshButton->setEnabled(node != nullptr);
+    refreshTimes();
     if (!node) {
         _nodeStatusField->setText(QString());
         _scheduleNodeButton->setEnabled(false);
         _cancelNodeDownloadButton->setEnabled(false);
-        _nodeLastUpdateField->setText(QString());
         _failureField->setFailure(QString());
         emit selectionChanged();
         return;
@@ -210,13 +218,15 @@ void AlertsView::updateInterfaceForSelection()
     _nodeStatusField->setText(node->longStatus());
     _scheduleNodeButton->setEnabled(true);
     _cancelNodeDownloadButton->setEnabled(_group->nodeIsInDownloadQueue(node));
-    if (node->autoUpdates())
-        _nodeLastUpdateField->setText(QStringLiteral("Last Updated: %1, Next Update: %2")
-                                          .arg(node->lastUpdate(), node->nextUpdate()));
-    else
-        _nodeLastUpdateField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
     _failureField->setFailure(node->lastFailure());
     emit selectionChanged();
+}
+
+void AlertsView::refreshTimes()
+{
+    const Node *node = _group->selectedNode();
+    _nodeLastUpdateField->setText(node ? NodeTimes::updateLine(*node) : QString());
+    _dataAgeField->showNode(node);
 }
 
 void AlertsView::refreshSelectedNodeData()

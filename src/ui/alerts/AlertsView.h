@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class ActivityLog;
+class DataAgeLine;
 class FailureLine;
 class FlatGroup;
 class Node;
@@ -47,6 +48,8 @@ public:
     void setTextViewText(const QString &text);
     void clearTextViewText();
     void updateInterfaceForSelection();
+    // The selected report's times, which move on by themselves.
+    void refreshTimes();
 
     // The view's own commands; the group-wide ones reach the group from the application.
     void refreshSelectedNodeData();
@@ -62,6 +65,7 @@ public:
     QPlainTextEdit *nodeDataTextView() const { return _nodeDataTextView; }
     QLabel *nodeStatusField() const { return _nodeStatusField; }
     QLabel *nodeLastUpdateField() const { return _nodeLastUpdateField; }
+    DataAgeLine *dataAgeField() const { return _dataAgeField; }
     FailureLine *failureField() const { return _failureField; }
     QPushButton *refreshButton() const { return _refreshButton; }
     QPushButton *dailyReportButton() const { return _dailyReportButton; }
@@ -86,6 +90,7 @@ private:
     ActivityLog *_log;
     QComboBox *_nodeListMenu = nullptr;
     QLabel *_nodeLastUpdateField = nullptr;
+    DataAgeLine *_dataAgeField = nullptr;
     QPlainTextEdit *_nodeDataTextView = nullptr;
     QLabel *_nodeStatusField = nullptr;
     FailureLine *_failureField = nullptr;

@@ -1,5 +1,8 @@
 #include "ui/common/ArtworkIconEngine.h"
 
+#include "ui/common/ArtworkRecolour.h"
+#include "ui/common/WindowAppearance.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QStyle>
@@ -25,8 +28,13 @@ QPixmap ArtworkIconEngine::scaledPixmap(const QSize &size, QIcon::Mode mode, QIc
     const QSize pixels = (QSizeF(size) * scale).toSize();
     if (pixels.isEmpty())
         return QPixmap();
-    const QString key =
-        QStringLiteral("%1x%2:%3").arg(pixels.width()).arg(pixels.height()).arg(int(mode));
+    // Drawn for the palette in force: a dark window has the artwork with its light rim.
+    const bool dark = qApp && WindowAppearance::isDark();
+    const QString key = QStringLiteral("%1x%2:%3:%4")
+                            .arg(pixels.width())
+                            .arg(pixels.height())
+                            .arg(int(mode))
+                            .arg(int(dark));
     if (const auto it = _rendered.constFind(key); it != _rendered.cend())
         return *it;
 
@@ -44,6 +52,8 @@ QPixmap ArtworkIconEngine::scaledPixmap(const QSize &size, QIcon::Mode mode, QIc
                                                  (pixels.height() - drawn.height()) / 2.0),
                                          QSizeF(drawn)));
     }
+    if (dark)
+        result = QPixmap::fromImage(ArtworkRecolour::forDarkBackground(result.toImage()));
     // A disabled or selected icon looks the way the style draws any such icon.
     if (mode != QIcon::Normal && mode != QIcon::Active && qApp) {
         QStyleOption option;

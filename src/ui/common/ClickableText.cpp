@@ -2,6 +2,9 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QTimer>
+
+#include <algorithm>
 
 ClickableText::ClickableText(const QColor &highlight, bool ignoresEmptyPress, QWidget *parent)
     : QLabel(parent), _highlight(highlight), _ignoresEmptyPress(ignoresEmptyPress)
@@ -30,6 +33,17 @@ QColor ClickableText::restingColour() const
                                                             : QColor(Qt::black);
 }
 
+QColor ClickableText::highlightColour() const
+{
+    const QPalette window =
+        parentWidget() ? parentWidget()->palette() : QApplication::palette(this);
+    if (window.color(QPalette::Window).lightness() >= 128)
+        return _highlight;
+    QColor light = _highlight;
+    light.setHsl(light.hslHue(), light.hslSaturation(), std::max(light.lightness(), 175));
+    return light;
+}
+
 QColor ClickableText::textColour() const
 {
     return palette().color(QPalette::WindowText);
@@ -46,18 +60,25 @@ bool ClickableText::event(QEvent *event)
 {
     const bool handled = QLabel::event(event);
     // Put in a window, or the window's colours changed (a dark theme chosen): rest in the new
-    // colours. Not while pointed at or pressed, which show the highlight.
-    if ((event->type() == QEvent::ParentChange ||
-         event->type() == QEvent::ApplicationPaletteChange) &&
-        !underMouse() && !_beingClicked)
-        setTextColour(restingColour());
+    // colours. Not while pointed at or pressed, which show the highlight. New colours may reach
+    // this field before its window, so a change is looked at once every widget has had it (a
+    // colour that stays the same changes nothing, so this ends).
+    const auto rest = [this] {
+        if (!underMouse() && !_beingClicked && textColour() != restingColour())
+            setTextColour(restingColour());
+    };
+    if (event->type() == QEvent::ParentChange)
+        rest();
+    else if (event->type() == QEvent::PaletteChange ||
+             event->type() == QEvent::ApplicationPaletteChange)
+        QTimer::singleShot(0, this, rest);
     return handled;
 }
 
 void ClickableText::enterEvent(QEnterEvent *event)
 {
     setCursor(Qt::PointingHandCursor);
-    setTextColour(_highlight);
+    setTextColour(highlightColour());
     QLabel::enterEvent(event);
 }
 
@@ -78,7 +99,7 @@ void ClickableText::mousePressEvent(QMouseEvent *event)
         return;
     _beingClicked = true;
     _inside = true;
-    setTextColour(_highlight);
+    setTextColour(highlightColour());
     event->accept();
 }
 

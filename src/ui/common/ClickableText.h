@@ -12,7 +12,8 @@ class ClickableText : public QLabel {
 public:
     bool beingClicked() const { return _beingClicked; }
     bool beenClicked() const { return _beenClicked; }
-    QColor highlightColour() const { return _highlight; }
+    // The field's own highlight, made light enough to read when the window is dark.
+    QColor highlightColour() const;
     // The colour at rest: black, unless the window is dark, where black could not be read. Read
     // from the window's palette each time, never from the field's own.
     QColor restingColour() const;

@@ -7,7 +7,8 @@
 #include <QStringList>
 
 // The application's named pictures (placeholders, toolbar images, the application icon), drawn as
-// vector artwork and rendered at whatever size and pixel density they are shown.
+// vector artwork and rendered at whatever size and pixel density they are shown, and for the
+// palette they are shown on (ArtworkRecolour gives them a rim on a dark window).
 class NamedImage {
 public:
     // True when artwork of that name is among the application's resources.
@@ -26,5 +27,6 @@ public:
 
 private:
     static QString path(const QString &name);
-    static QImage render(const QString &name, qreal devicePixelRatio);
+    // Drawn for a dark window (dark) or a light one; safe on any thread.
+    static QImage render(const QString &name, qreal devicePixelRatio, bool dark);
 };

@@ -4,6 +4,8 @@
 #include "core/settings/Preferences.h"
 #include "core/settings/Settings.h"
 #include "core/util/Clock.h"
+#include "core/util/DisplayTime.h"
+#include "ui/common/WindowAppearance.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -13,6 +15,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStyle>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextEdit>
 #include <QVBoxLayout>
@@ -26,12 +29,11 @@ ActivityLog::ActivityLog(QWidget *parent) : QWidget(parent, Qt::Window), _logFie
     _logField->setReadOnly(true);
     _logField->setUndoRedoEnabled(false);
     _logField->setLineWrapMode(QTextEdit::WidgetWidth);
-    // The entries are black and red by design; give them the light page they were made for so
-    // they stay readable under a dark desktop theme.
-    QPalette page = _logField->palette();
-    page.setColor(QPalette::Base, Qt::white);
-    page.setColor(QPalette::Text, Qt::black);
-    _logField->setPalette(page);
+    // The entries are black and red by design, on the light page they were made for, which
+    // keeps them readable under a dark desktop theme; our own dark appearance has a page of its
+    // own.
+    _dark = !usesDarkPage();
+    followAppearance();
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -72,12 +74,73 @@ void ActivityLog::addErrorToLog(const QString &message)
         QApplication::beep();
         emit beeped();
     }
-    append(message, Qt::red);
+    append(message, Kind::Error);
 }
 
 void ActivityLog::addMessageToLog(const QString &message)
 {
-    append(message, Qt::black);
+    append(message, Kind::Message);
+}
+
+QColor ActivityLog::colour(Kind kind) const
+{
+    if (kind == Kind::Error)
+        return WindowAppearance::errorColour(_dark);
+    return _dark ? WindowAppearance::darkPalette().color(QPalette::Text) : QColor(Qt::black);
+}
+
+void ActivityLog::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // The window's palette follows the application's: a new one means a new appearance.
+    if (event->type() == QEvent::PaletteChange)
+        followAppearance();
+}
+
+bool ActivityLog::usesDarkPage()
+{
+    // Only our own dark palette darkens the page: a dark desktop keeps the light one.
+    return QApplication::palette().color(QPalette::Window) ==
+           WindowAppearance::darkPalette().color(QPalette::Window);
+}
+
+void ActivityLog::followAppearance()
+{
+    const bool dark = usesDarkPage();
+    if (dark == _dark)
+        return;
+    const QColor oldColours[] = {colour(Kind::Message), colour(Kind::Error)};
+    _dark = dark;
+    QPalette page = _logField->palette();
+    page.setColor(QPalette::Base,
+                  dark ? WindowAppearance::darkPalette().color(QPalette::Base) : QColor(Qt::white));
+    page.setColor(QPalette::Text, colour(Kind::Message));
+    _logField->setPalette(page);
+
+    // A user's choice, and rare: one pass over the entries, then each run in its new colour
+    // (runs are found first: recolouring one splits and merges the runs around it).
+    struct Run {
+        int position, length;
+        Kind kind;
+    };
+    QList<Run> runs;
+    for (QTextBlock line = _logField->document()->begin(); line.isValid(); line = line.next()) {
+        for (auto it = line.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const QColor was = fragment.charFormat().foreground().color();
+            if (was == oldColours[0] || was == oldColours[1])
+                runs.append({fragment.position(), fragment.length(),
+                             was == oldColours[1] ? Kind::Error : Kind::Message});
+        }
+    }
+    QTextCursor cursor(_logField->document());
+    for (const Run &run : std::as_const(runs)) {
+        cursor.setPosition(run.position);
+        cursor.setPosition(run.position + run.length, QTextCursor::KeepAnchor);
+        QTextCharFormat recoloured;
+        recoloured.setForeground(colour(run.kind));
+        cursor.mergeCharFormat(recoloured);
+    }
 }
 
 QString ActivityLog::text() const
@@ -85,13 +148,13 @@ QString ActivityLog::text() const
     return _logField->toPlainText();
 }
 
-void ActivityLog::append(const QString &message, const QColor &colour)
+void ActivityLog::append(const QString &message, Kind kind)
 {
     QTextCharFormat style;
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setPointSizeF(9.0);
     style.setFont(font);
-    style.setForeground(colour);
+    style.setForeground(colour(kind));
 
     QTextDocument *document = _logField->document();
     QTextCursor cursor(document);
@@ -101,7 +164,7 @@ void ActivityLog::append(const QString &message, const QColor &colour)
     const QString separator = LogEntry::separatorBefore(length);
     if (!separator.isEmpty())
         cursor.insertText(separator, QTextCharFormat());
-    cursor.insertText(LogEntry::text(Clock::now(), message), style);
+    cursor.insertText(LogEntry::text(DisplayTime::shown(Clock::now()), message), style);
 
     _logField->setTextCursor(cursor);
     _logField->ensureCursorVisible();

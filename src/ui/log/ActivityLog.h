@@ -35,9 +35,17 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
-    void append(const QString &message, const QColor &colour);
+    enum class Kind { Message, Error };
+    void append(const QString &message, Kind kind);
+    // The page and the entries' colours for the palette in force: black and red on a white page,
+    // or light text and a lighter red on a dark one. Entries already written are recoloured.
+    void followAppearance();
+    static bool usesDarkPage();
+    QColor colour(Kind kind) const;
 
     QTextEdit *_logField;
+    bool _dark = false;
 };

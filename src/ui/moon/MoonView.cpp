@@ -2,6 +2,7 @@
 
 #include "core/moon/MoonPhaseNames.h"
 #include "core/moon/MoonText.h"
+#include "ui/common/TimeTicker.h"
 #include "ui/common/ViewSizeKeeper.h"
 #include "ui/moon/MoonImageView.h"
 #include "ui/moon/MoonPhasePicture.h"
@@ -18,6 +19,8 @@ MoonView::MoonView(QWidget *parent)
 {
     _timer->setInterval(kTimerIntervalMs);
     connect(_timer, &QTimer::timeout, this, &MoonView::updateMoonDate);
+    // The dates follow the zone the times are shown in.
+    connect(TimeTicker::shared(), &TimeTicker::ticked, this, &MoonView::updateDisplay);
     buildInterface();
     updateDisplay();
 }

@@ -9,12 +9,19 @@
 #include "core/shell/ToolbarItems.h"
 #include "core/sources/DomainGroup.h"
 #include "core/sources/FlatGroup.h"
+#include "core/sources/GroupCatalogue.h"
 #include "core/sources/Node.h"
+#include "core/util/DisplayTime.h"
 #include "core/util/ResourceLocator.h"
+#include "core/watch/WatchService.h"
+#include "notify/DesktopNotifier.h"
 #include "ui/alerts/AlertsView.h"
 #include "ui/common/NamedImage.h"
+#include "ui/common/TimeTicker.h"
+#include "ui/common/WindowAppearance.h"
 #include "ui/log/ActivityLog.h"
 #include "ui/moon/MoonView.h"
+#include "ui/now/NowView.h"
 #include "ui/shell/AboutBox.h"
 #include "ui/shell/MainToolbar.h"
 #include "ui/shell/MainViews.h"
@@ -203,6 +210,7 @@ void AppController::connectMenus()
         {Command::GoOnline, &AppController::goOnline},
         {Command::GoOffline, &AppController::goOffline},
         {Command::EmptyCache, &AppController::emptyCache},
+        {Command::ClearHistory, &AppController::clearHistory},
         {Command::Reload, &AppController::refreshSelectedNodeData},
         {Command::CancelDownload, &AppController::cancelSelectedNodeDownload},
         {Command::Reveal, &AppController::revealSelectedNodeData},
@@ -217,6 +225,15 @@ void AppController::connectMenus()
             [this] { _log->openLogWindow(); });
     connect(_window->item(Command::ClearLog), &QAction::triggered, this,
             [this] { _log->clearLog(); });
+    connect(_window->item(Command::ShowTimesInUTC), &QAction::toggled, this,
+            &AppController::setShowTimesInUTC);
+    for (const auto &[command, appearance] :
+         {std::pair{Command::AppearanceSystem, Preferences::Appearance::System},
+          std::pair{Command::AppearanceLight, Preferences::Appearance::Light},
+          std::pair{Command::AppearanceDark, Preferences::Appearance::Dark}}) {
+        connect(_window->item(command), &QAction::triggered, this,
+                [this, appearance] { setAppearance(int(appearance)); });
+    }
     connect(menuItem(MainWindow::kSaveCopyTag), &QAction::triggered, this,
             &AppController::saveSelectedNodeData);
     connect(menuItem(MainWindow::kZoomImageTag), &QAction::triggered, this,
@@ -350,6 +367,10 @@ void AppController::connectPreferencesPanel()
             &AppController::setSouthernHemisphere);
     connect(_preferencesPanel, &PreferencesPanel::timeoutValueChanged, this,
             &AppController::setTimeoutValue);
+    connect(_preferencesPanel, &PreferencesPanel::notificationsChanged, this,
+            [](const NotificationSettings &settings) {
+                Preferences::shared().setNotifications(settings);
+            });
 }
 
 // --- Start-up and shutdown --------------------------------------------------------------------
@@ -474,6 +495,7 @@ void AppController::finishLaunching()
     _core->removeStaleTemporaryFiles();
     runStartupDownloads();
     startScheduler();
+    startWatching();
 
     // The placeholder pictures of every image view, rendered in the background, so that the first
     // switch to a view or the first missing item does not stop to draw them.
@@ -483,6 +505,31 @@ void AppController::finishLaunching()
         placeholders << names.splash << names.downloading << names.noData;
     }
     NamedImage::renderInBackground(placeholders, _window->devicePixelRatioF(), 1000);
+}
+
+void AppController::startWatching()
+{
+    NodeGroup *now = _core->groupNamed(QStringLiteral("Now"));
+    if (!now || _watch)
+        return;
+    _watch = new WatchService(
+        Settings::store(), _log, [] { return Preferences::shared().notifications(); }, this);
+    _watch->watchGroup(now);
+    _notifier = new DesktopNotifier(this);
+    _notifier->setLog(_log);
+    connect(_watch, &WatchService::eventsReady, _notifier, &DesktopNotifier::deliver);
+    connect(_notifier, &DesktopNotifier::activated, this, &AppController::showNowView);
+    // What arrived while the window was closed.
+    _watch->evaluateSoon();
+}
+
+void AppController::showNowView()
+{
+    if (const GroupCatalogue::Group *now = GroupCatalogue::groupNamed(QStringLiteral("Now")))
+        setGroupView(now->number);
+    _window->showNormal();
+    _window->raise();
+    _window->activateWindow();
 }
 
 void AppController::windowShouldClose()
@@ -514,6 +561,8 @@ void AppController::applicationWillTerminate()
         alerts->cleanup();
     if (MoonView *moon = _views->moonView())
         moon->cleanup();
+    if (NowView *now = _views->nowView())
+        now->cleanup();
 
     stopScheduler();
     _log->saveWindowFrame();
@@ -555,6 +604,9 @@ void AppController::loadPreferences()
     Preferences &prefs = Preferences::shared();
     prefs.loadPreferences(settings);
     _lastView = prefs.lastView();
+    DisplayTime::setUtc(prefs.showTimesInUTC());
+    WindowAppearance::apply(prefs.appearance());
+    showDisplayChoices();
     _window->restoreFrame();
 
     if (_preferencesPanel)
@@ -596,6 +648,7 @@ void AppController::openPreferencesPanel()
         const QSignalBlocker quiet(entry.box);
         entry.box->setChecked(entry.value);
     }
+    _preferencesPanel->showNotifications(prefs.notifications());
     _preferencesPanel->adjustSize();
     if (_window->isVisible())
         _preferencesPanel->move(_window->geometry().center() - _preferencesPanel->rect().center());
@@ -636,6 +689,40 @@ void AppController::setTimeoutValue(int seconds)
         field->setValue(seconds);
     }
     Preferences::shared().setTimeoutSeconds(float(seconds));
+}
+
+void AppController::setShowTimesInUTC(bool on)
+{
+    Preferences::shared().setShowTimesInUTC(on);
+    DisplayTime::setUtc(on);
+    showDisplayChoices();
+    TimeTicker::shared()->tellNow();
+}
+
+void AppController::setAppearance(int appearance)
+{
+    Preferences &prefs = Preferences::shared();
+    prefs.setAppearance(Preferences::Appearance(appearance));
+    WindowAppearance::apply(prefs.appearance());
+    showDisplayChoices();
+    // The artwork follows the palette as it is drawn; what is coloured by a view's own texts
+    // is redrawn with the times.
+    TimeTicker::shared()->tellNow();
+}
+
+void AppController::showDisplayChoices()
+{
+    using Command = MainWindow::Command;
+    const Preferences &prefs = Preferences::shared();
+    {
+        const QSignalBlocker quiet(_window->item(Command::ShowTimesInUTC));
+        _window->item(Command::ShowTimesInUTC)->setChecked(prefs.showTimesInUTC());
+    }
+    const Command chosen =
+        prefs.appearance() == Preferences::Appearance::Dark    ? Command::AppearanceDark
+        : prefs.appearance() == Preferences::Appearance::Light ? Command::AppearanceLight
+                                                               : Command::AppearanceSystem;
+    _window->item(chosen)->setChecked(true);
 }
 
 // --- Toolbar and views ------------------------------------------------------------------------
@@ -752,30 +839,49 @@ void AppController::runAllScheduledUpdates()
     _core->runAllScheduledUpdates();
 }
 
-std::unique_ptr<QMessageBox> AppController::makeEmptyCacheAlert(QWidget *parent)
+std::unique_ptr<QMessageBox> AppController::makeConfirmation(QWidget *parent, const QString &title,
+                                                             const QString &text,
+                                                             const QString &informativeText,
+                                                             const QString &accept)
 {
     auto alert = std::make_unique<QMessageBox>(parent);
     alert->setIcon(QMessageBox::Warning);
-    alert->setWindowTitle(tr("Empty Cache"));
-    alert->setText(QStringLiteral("Do you really want to empty the Vantorel cache?"));
-    alert->setInformativeText(QStringLiteral("This will require all data to be reloaded before "
-                                             "being viewed, and all current downloads will be "
-                                             "stopped."));
-    QPushButton *empty = alert->addButton(QStringLiteral("Empty"), QMessageBox::AcceptRole);
+    alert->setWindowTitle(title);
+    alert->setText(text);
+    alert->setInformativeText(informativeText);
+    QPushButton *button = alert->addButton(accept, QMessageBox::AcceptRole);
     alert->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
-    alert->setDefaultButton(empty);
+    alert->setDefaultButton(button);
     alert->setWindowModality(Qt::WindowModal);
     return alert;
 }
 
 void AppController::emptyCache()
 {
-    const std::unique_ptr<QMessageBox> alert = makeEmptyCacheAlert(_window);
+    const auto alert = makeConfirmation(
+        _window, tr("Empty Cache"),
+        QStringLiteral("Do you really want to empty the Vantorel cache?"),
+        QStringLiteral("This will require all data to be reloaded before being viewed, and all "
+                       "current downloads will be stopped."),
+        QStringLiteral("Empty"));
     alert->exec();
     if (alert->clickedButton() != alert->defaultButton())
         return;
     finishLaunching();
     _core->emptyGroupCaches();
+}
+
+void AppController::clearHistory()
+{
+    const auto alert = makeConfirmation(
+        _window, tr("Clear History"), tr("Do you really want to clear the history?"),
+        tr("The Now view's charts will lose every value kept from earlier downloads and start "
+           "again from the data files on disk."),
+        tr("Clear"));
+    alert->exec();
+    if (alert->clickedButton() != alert->defaultButton())
+        return;
+    _core->clearHistory();
 }
 
 void AppController::zoomSelectedNodeData()

@@ -10,6 +10,7 @@ class AboutBox;
 class ActivityLog;
 class AlertsView;
 class AppCore;
+class DesktopNotifier;
 class GroupView;
 class MainWindow;
 class MainToolbar;
@@ -23,8 +24,9 @@ class QAction;
 class QMessageBox;
 class QUrl;
 class QWidget;
+class WatchService;
 
-// The application's single controller: it builds the main window with its six views, the
+// The application's single controller: it builds the main window with its seven views, the
 // preferences panel, the About box and the activity log; runs the start-up and shutdown
 // sequences; and answers the global settings that every view and node reads.
 //
@@ -75,6 +77,10 @@ public:
     void setDownloadMissingData(bool on);
     void setSouthernHemisphere(bool on);
     void setTimeoutValue(int seconds);
+    // View > Show Times in UTC and View > Appearance: they take effect at once, in every view,
+    // and are remembered.
+    void setShowTimesInUTC(bool on);
+    void setAppearance(int appearance);
 
     // Views and the toolbar.
     void initToolbar();
@@ -97,10 +103,16 @@ public:
     void goOnline();
     void goOffline();
     void toggleOnlineStatus();
-    // Asks the user first (the alert's default button empties, the other cancels).
+    // Both ask the user first (the alert's default button goes ahead, the other cancels). Emptying
+    // the cache leaves the history of the Now data alone; clearing the history leaves the data
+    // files alone.
     void emptyCache();
-    // The alert emptyCache() shows, for a caller that wants to present it.
-    static std::unique_ptr<QMessageBox> makeEmptyCacheAlert(QWidget *parent);
+    void clearHistory();
+    // A window-modal question whose default button, named `accept`, goes ahead.
+    static std::unique_ptr<QMessageBox> makeConfirmation(QWidget *parent, const QString &title,
+                                                         const QString &text,
+                                                         const QString &informativeText,
+                                                         const QString &accept);
     // Act on the image view shown, if any.
     void zoomSelectedNodeData();
     void saveSelectedNodeData();
@@ -134,7 +146,7 @@ public:
     AboutBox *aboutBox();
     NodeScheduler *nodeScheduler();
     MainToolbar *mainToolbar() const { return _toolbar; }
-    // Menu items by their tag (766 zoom, 767 save a copy, 0 to 5 the views).
+    // Menu items by their tag (766 zoom, 767 save a copy, 0 to 6 the views).
     QAction *menuItem(int tag) const;
     // The Node menu's items without a tag.
     QAction *reloadItem() const;
@@ -158,6 +170,8 @@ private:
     // Shows the time-out preference in the panel's field, whole seconds.
     void showTimeoutValue();
     void onlineStateChanged();
+    // The View menu's check marks from the preferences.
+    void showDisplayChoices();
     void revealSelectedNodeData();
     void openScheduleWindowForSelectedNode();
     void refreshSelectedNodeData();
@@ -174,12 +188,17 @@ private:
     // The window's own picture and the icon theme's pictures in the toolbar.
     void showOwnIcons();
     void openAboutLink(const QUrl &address);
+    // Runs the watcher after each download of the group named "Now" that changes its data, and
+    // shows its events as desktop notifications; nothing without such a group.
+    void startWatching();
+    // A notification was clicked: the window comes forward with the Now view.
+    void showNowView();
 
     AppCore *_core = nullptr;
     MainWindow *_window = nullptr;
     MainToolbar *_toolbar = nullptr;
 
-    // The six views (_sunView to _moonView), built as they are needed.
+    // The seven views (_sunView to the Now view), built as they are needed.
     MainViews *_views = nullptr;
     QString _defaultDescription;
     GroupView *_selectedGroupView = nullptr;
@@ -188,6 +207,8 @@ private:
     NodeScheduler *_nodeScheduler = nullptr;
     int _lastView = -1;
     ActivityLog *_log = nullptr;
+    WatchService *_watch = nullptr;
+    DesktopNotifier *_notifier = nullptr;
     // How far start-up has come: the data folder and the preferences are there (awake), the
     // window has been shown (launched), and what was left for after the first frame is done.
     bool _awake = false;

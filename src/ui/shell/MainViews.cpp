@@ -2,9 +2,11 @@
 
 #include "core/settings/Preferences.h"
 #include "core/shell/AppCore.h"
+#include "core/sources/FlatGroup.h"
 #include "core/sources/GroupCatalogue.h"
 #include "ui/alerts/AlertsView.h"
 #include "ui/moon/MoonView.h"
+#include "ui/now/NowView.h"
 #include "ui/sources/GroupView.h"
 
 #include <QStackedWidget>
@@ -61,6 +63,8 @@ QWidget *MainViews::built(int number) const
         return _alertsView;
     case 5:
         return _moonView;
+    case 6:
+        return _nowView;
     default:
         return nullptr;
     }
@@ -114,6 +118,11 @@ QWidget *MainViews::make(int number)
         _moonView = new MoonView;
         _moonView->awakeFromNib();
         return _moonView;
+    case 6:
+        _nowView = new NowView(qobject_cast<FlatGroup *>(_core->groupNumbered(GroupCatalogue::Now)),
+                               nullptr);
+        _nowView->awakeFromNib();
+        return _nowView;
     default:
         return nullptr;
     }
@@ -149,6 +158,11 @@ void MainViews::load(int number)
         break;
     case 5:
         _moonView->setHemisphere(Preferences::shared().southernHemisphere());
+        break;
+    case 6:
+        // Read through the core, which feeds the history from the group's downloads.
+        _core->loadGroup(_nowView->group());
+        _nowView->groupLoaded(_core->nowRecorder());
         break;
     default:
         break;

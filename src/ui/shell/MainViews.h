@@ -10,11 +10,12 @@ class DomainGroup;
 class GroupView;
 class MoonView;
 class NodeScheduler;
+class NowView;
 class QStackedWidget;
 class QWidget;
 
-// The six views of the main window, each in its place in the window's stack by its view number
-// (0 Sun, 1 Graphs, 2 Aurora, 3 Earth, 4 Alerts, 5 Moon). A view is built when it is first
+// The seven views of the main window, each in its place in the window's stack by its view number
+// (0 Sun, 1 Graphs, 2 Aurora, 3 Earth, 4 Alerts, 5 Moon, 6 Now). A view is built when it is first
 // needed; until then an empty stand-in holds its place. A view built once start-up has reached
 // the reading of the groups reads its group at once, and one built after launching has finished
 // also sets up its empty selection, so that every view goes through the same steps whenever it
@@ -23,7 +24,7 @@ class MainViews : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr int kCount = 6;
+    static constexpr int kCount = 7;
 
     MainViews(AppCore *core, ActivityLog *log, QStackedWidget *stack, QObject *parent = nullptr);
 
@@ -38,7 +39,7 @@ public:
 
     // The view with that number if it has been built, else none.
     QWidget *built(int number) const;
-    // The view with that number, built now if it was not; none for a number outside 0 to 5.
+    // The view with that number, built now if it was not; none for a number outside 0 to 6.
     QWidget *ensure(int number);
     bool allBuilt() const;
 
@@ -48,6 +49,7 @@ public:
     GroupView *earthView() const { return _earthView; }
     AlertsView *alertsView() const { return _alertsView; }
     MoonView *moonView() const { return _moonView; }
+    NowView *nowView() const { return _nowView; }
 
 signals:
     // The selection or the selected node's state changed in a data view.
@@ -75,4 +77,5 @@ private:
     GroupView *_earthView = nullptr;
     AlertsView *_alertsView = nullptr;
     MoonView *_moonView = nullptr;
+    NowView *_nowView = nullptr;
 };

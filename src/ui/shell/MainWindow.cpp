@@ -4,6 +4,7 @@
 #include "core/shell/ToolbarItems.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QMenuBar>
@@ -59,6 +60,19 @@ void MainWindow::buildMenus()
         _viewItems.append(item);
     }
     view->addSeparator();
+    add(view, Command::ShowTimesInUTC, tr("Show Times in &UTC"))->setCheckable(true);
+    // The three appearances, one of them chosen; the items stay in the menu list, so that they
+    // are enabled like every other item.
+    QMenu *appearance = view->addMenu(tr("&Appearance"));
+    auto *appearances = new QActionGroup(this);
+    for (const auto &[command, text] : {std::pair{Command::AppearanceSystem, tr("&System")},
+                                        std::pair{Command::AppearanceLight, tr("&Light")},
+                                        std::pair{Command::AppearanceDark, tr("&Dark")}}) {
+        QAction *item = add(appearance, command, text);
+        item->setCheckable(true);
+        appearances->addAction(item);
+    }
+    view->addSeparator();
     add(view, Command::CustomizeToolbar, tr("Customize &Toolbar…"));
 
     QMenu *data = bar->addMenu(tr("&Data"));
@@ -71,6 +85,7 @@ void MainWindow::buildMenus()
     add(data, Command::GoOffline, tr("Go O&ffline"));
     data->addSeparator();
     add(data, Command::EmptyCache, tr("&Empty Cache…"));
+    add(data, Command::ClearHistory, tr("Clear &History…"));
 
     QMenu *node = bar->addMenu(tr("&Node"));
     add(node, Command::Reload, tr("&Reload"), QKeySequence::Refresh);
@@ -86,7 +101,7 @@ void MainWindow::buildMenus()
     QMenu *help = bar->addMenu(tr("&Help"));
     add(help, Command::About, tr("&About Vantorel"))->setMenuRole(QAction::AboutRole);
 
-    for (QMenu *menu : {file, edit, view, data, node, window, help})
+    for (QMenu *menu : {file, edit, view, appearance, data, node, window, help})
         connect(menu, &QMenu::aboutToShow, this, &MainWindow::menuAboutToShow);
 }
 

@@ -21,7 +21,7 @@ public:
 
     static constexpr const char *kFrameKey = "MainWindow";
     // The tags of the two menu items that need a node with data selected in an image view. The
-    // view menu's items carry the view numbers 0 to 5 as theirs.
+    // view menu's items carry the view numbers 0 to 6 as theirs.
     static constexpr int kZoomImageTag = 766;
     static constexpr int kSaveCopyTag = 767;
 
@@ -35,12 +35,17 @@ public:
         GoOnline,
         GoOffline,
         EmptyCache,
+        ClearHistory,
         Reload,
         CancelDownload,
         Reveal,
         Schedule,
         ActivityLog,
         ClearLog,
+        ShowTimesInUTC,
+        AppearanceSystem,
+        AppearanceLight,
+        AppearanceDark,
         About,
     };
 

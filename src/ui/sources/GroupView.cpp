@@ -9,6 +9,7 @@
 #include "core/util/DescriptionText.h"
 #include "ui/common/FileManager.h"
 #include "ui/common/NamedImage.h"
+#include "ui/common/TimeTicker.h"
 #include "ui/common/ViewSizeKeeper.h"
 #include "ui/log/ActivityLog.h"
 #include "ui/sources/ImagePane.h"
@@ -120,6 +121,7 @@ void GroupView::awakeFromNib()
     // Nine points per level, in this screen's pixels.
     _domainsList->setIndentation(qRound(9.0 * logicalDpiX() / 72.0));
     connect(_domainsList, &QTreeView::doubleClicked, this, &GroupView::domainListDoubleClicked);
+    connect(TimeTicker::shared(), &TimeTicker::ticked, this, &GroupView::refreshTimes);
 }
 
 QString GroupView::groupName() const
@@ -339,6 +341,12 @@ void GroupView::updateInterfaceForSelection()
     _detailPane->showNode(node, node && _group->nodeIsInDownloadQueue(node));
     _refreshDomainButton->setEnabled(!node && _group->selectedDomain());
     emit selectionChanged();
+}
+
+void GroupView::refreshTimes()
+{
+    _model->refreshStatuses();
+    _detailPane->showTimes(_group->selectedNode());
 }
 
 void GroupView::displayImageForNode(Node *node)

@@ -61,6 +61,8 @@ public:
 
     // Display.
     void updateInterfaceForSelection();
+    // The times that move on by themselves: the selected node's data age and every stale mark.
+    void refreshTimes();
     void displayImageForNode(Node *node);
     void displayDescriptionForNode(Node *node);
     void clearDescriptionField();

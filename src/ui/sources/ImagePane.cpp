@@ -2,6 +2,7 @@
 
 #include "ui/common/NamedImage.h"
 
+#include <QEvent>
 #include <QPainter>
 
 ImagePane::ImagePane(QWidget *parent) : QWidget(parent)
@@ -60,4 +61,14 @@ void ImagePane::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(imageRect(), image);
+}
+
+void ImagePane::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // A placeholder is drawn for the palette it is shown on (NamedImage): draw it again.
+    if (event->type() == QEvent::PaletteChange && !_placeholder.isEmpty()) {
+        _pixmap = QPixmap();
+        update();
+    }
 }

@@ -1,8 +1,10 @@
 #include "ui/sources/NodeDetailPane.h"
 
 #include "core/sources/Node.h"
+#include "core/sources/NodeTimes.h"
 #include "core/util/DescriptionText.h"
 #include "ui/common/ClickableTextBlue.h"
+#include "ui/common/DataAgeLine.h"
 #include "ui/common/FailureLine.h"
 #include "ui/sources/ImagePane.h"
 
@@ -17,7 +19,7 @@
 
 NodeDetailPane::NodeDetailPane(QWidget *parent)
     : QWidget(parent), _nodeTitleField(new QLabel), _lastUpdatedField(new QLabel),
-      _failureField(new FailureLine), _imageView(new ImagePane),
+      _dataAgeField(new DataAgeLine), _failureField(new FailureLine), _imageView(new ImagePane),
       _nodeDescriptionTextField(new QTextBrowser),
       _refreshImageButton(new QPushButton(tr("Reload"))),
       _cancelDownloadButton(new QPushButton(tr("Cancel"))),
@@ -35,10 +37,13 @@ NodeDetailPane::NodeDetailPane(QWidget *parent)
     connect(link, &ClickableText::clicked, this,
             [this, link] { emit dataSourceLinkClicked(link->text()); });
     _dataSourceField = link;
-    // One line, with the failure line (if any) in the room beside it.
+    // One line: the update times, the data's age, and the failure line (if any) in the room
+    // beside them.
     _lastUpdatedField->setForegroundRole(QPalette::PlaceholderText);
     auto *updates = new QHBoxLayout;
     updates->addWidget(_lastUpdatedField);
+    updates->addSpacing(12);
+    updates->addWidget(_dataAgeField);
     updates->addWidget(_failureField, 1);
 
     _nodeDescriptionTextField->setOpenExternalLinks(true);
@@ -82,21 +87,22 @@ void NodeDetailPane::showNode(const Node *node, bool queued)
     _zoomImageButton->setEnabled(downloaded);
     _revealImageButton->setEnabled(downloaded);
     _scheduleNodeButton->setEnabled(node != nullptr);
+    showTimes(node);
     if (!node) {
         _nodeTitleField->setText(QStringLiteral("Please select an item from the list."));
         _dataSourceField->setText(QString());
-        _lastUpdatedField->setText(QString());
         _failureField->setFailure(QString());
         return;
     }
     _nodeTitleField->setText(node->nodeTitle());
     _dataSourceField->setText(node->dataSource());
-    if (node->autoUpdates())
-        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1, Next Update: %2")
-                                       .arg(node->lastUpdate(), node->nextUpdate()));
-    else
-        _lastUpdatedField->setText(QStringLiteral("Last Updated: %1").arg(node->lastUpdate()));
     _failureField->setFailure(node->lastFailure());
+}
+
+void NodeDetailPane::showTimes(const Node *node)
+{
+    _lastUpdatedField->setText(node ? NodeTimes::updateLine(*node) : QString());
+    _dataAgeField->showNode(node);
 }
 
 void NodeDetailPane::showImage(const QPixmap &image)

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QWidget>
 
+class DataAgeLine;
 class FailureLine;
 class ImagePane;
 class Node;
@@ -23,6 +24,9 @@ public:
     // The texts and the buttons for the selected node, or for no selection (none). Cancelling
     // is offered while the node waits in its group's download queue (queued).
     void showNode(const Node *node, bool queued);
+    // Only the node's times: its last and next update, and its data's time and age, which
+    // change as time passes and with the zone the times are shown in.
+    void showTimes(const Node *node);
     void showImage(const QPixmap &image);
     // One of the application's named pictures (splash, downloading, no data).
     void showPlaceholder(const QString &name);
@@ -38,6 +42,7 @@ public:
     QLabel *nodeTitleField() const { return _nodeTitleField; }
     QLabel *dataSourceField() const { return _dataSourceField; }
     QLabel *lastUpdatedField() const { return _lastUpdatedField; }
+    DataAgeLine *dataAgeField() const { return _dataAgeField; }
     FailureLine *failureField() const { return _failureField; }
     QPushButton *cancelDownloadButton() const { return _cancelDownloadButton; }
     QPushButton *refreshImageButton() const { return _refreshImageButton; }
@@ -59,6 +64,7 @@ private:
     QLabel *_nodeTitleField;
     QLabel *_dataSourceField = nullptr;
     QLabel *_lastUpdatedField;
+    DataAgeLine *_dataAgeField;
     FailureLine *_failureField;
     ImagePane *_imageView;
     QTextBrowser *_nodeDescriptionTextField;

@@ -137,7 +137,9 @@ private slots:
         const QByteArray path = fetch<QByteArray>("path");
         _server->route("/nolength",
                        {.declaredLength = -1, .chunks = {"part one, ", "part two"}, .pauseMs = 30});
-        _server->serve("/final", "part one, part two");
+        _server->route("/final",
+                       {.chunks = {"part one, part two"},
+                        .extraHeaders = {{"Last-Modified", "Wed, 21 Oct 2015 07:28:00 GMT"}}});
         _server->route("/moved", {.status = 302,
                                   .reason = "Found",
                                   .chunks = {"see elsewhere"},
@@ -154,6 +156,12 @@ private slots:
         const QByteArray request = _server->lastRequest('/' + path);
         QVERIFY(request.contains("\r\nAccept-Encoding: identity\r\n"));
         QVERIFY(request.contains("\r\nUser-Agent: Vantorel/0.1.0\r\n"));
+        // The server's last change dates the data file; without one, the download does.
+        const QDateTime dated = QFileInfo(dataPath()).lastModified();
+        if (path == "moved")
+            QCOMPARE(dated, QDateTime(QDate(2015, 10, 21), QTime(7, 28), QTimeZone::utc()));
+        else
+            QVERIFY(qAbs(dated.secsTo(QDateTime::currentDateTime())) < 60);
     }
 
     void onlyHttpAndHttps_data()

@@ -66,6 +66,21 @@ QByteArray gzip(const QByteArray &plain)
     return out;
 }
 
+// An aurora forecast as the provider writes it: every point of the grid, longitude first, then
+// latitude, with a few values set; `points` cuts it short or runs it long.
+QByteArray ovation(int points = 360 * 181, const char *value = "9")
+{
+    QByteArray json = R"({"Observation Time": "2026-05-01T07:51:00Z", "Forecast Time": )"
+                      R"("2026-05-01T08:41:00Z", "Data Format": "[Longitude, Latitude, Aurora]", )"
+                      R"("coordinates": [)";
+    for (int i = 0; i < points; ++i) {
+        const int lon = i / 181 % 360, lat = i % 181 - 90;
+        json += QByteArray(i ? ", [" : "[") + QByteArray::number(lon) + ", " +
+                QByteArray::number(lat) + ", " + (lon == 350 && lat == 64 ? value : "0") + "]";
+    }
+    return json + R"(], "type": "MultiPoint"})";
+}
+
 } // namespace
 
 void TestNowData::parsers_data()
@@ -150,6 +165,13 @@ void TestNowData::parsers_data()
                            "message":"Space Weather Message Code: ALTK05\r\nSerial Number: 2033\r\n"}])")
         << "K05A@07:15=2033/Space Weather Message Code: ALTK05";
     QTest::newRow("messages: a quiet day") << "messages" << QByteArray("[]") << "";
+    QTest::newRow("ovation: the times, the highest value of the grid")
+        << "ovation" << ovation() << "observation@07:51=nan | forecast@08:41=9/predicted";
+    QTest::newRow("ovation: a point short")
+        << "ovation" << ovation(360 * 181 - 1) << "! the grid has 65159 points, not 65160";
+    QTest::newRow("ovation: a value that is no number")
+        << "ovation" << ovation(360 * 181, "null")
+        << "! the coordinates are not [longitude, latitude, value] rows";
     QTest::newRow("scales: an array") << "scales" << kKp << "! not a JSON object";
     QTest::newRow("scales: no entry for today")
         << "scales" << QByteArray(R"({"1":{"DateStamp":"2026-05-02","TimeStamp":"00:00:00"}})")
@@ -162,8 +184,15 @@ void TestNowData::parsers()
     QFETCH(QByteArray, json);
     QFETCH(QString, expected);
     QCOMPARE(describe(kind, json), expected);
-    // The quick check that guards downloads agrees with the full reading.
-    QCOMPARE(NowFormat::shapeProblem(kind, json).isEmpty(), !expected.startsWith('!'));
+    // The quick check that guards downloads agrees with the full reading, and so does the time it
+    // reads on the way: the newest sample's, a forecast's predictions aside.
+    std::optional<qint64> newest;
+    QCOMPARE(NowFormat::shapeProblem(kind, json, &newest).isEmpty(), !expected.startsWith('!'));
+    std::optional<qint64> measured;
+    for (const NowSample &sample : NowFormat::parse(kind, json).value_or(NowSamples()))
+        if (sample.text != QLatin1String("predicted"))
+            measured = std::max(measured.value_or(sample.time), sample.time);
+    QCOMPARE(newest, measured);
 }
 
 void TestNowData::download_data()
@@ -216,6 +245,8 @@ void TestNowData::download()
     if (failure.isEmpty()) {
         QCOMPARE(delegate.failures, QStringList());
         QCOMPARE(old.readAll(), kKp);
+        // Dated by its newest sample.
+        QCOMPARE(QFileInfo(old).lastModified(), QDateTime(QDate(2026, 5, 1), QTime(3, 0), Qt::UTC));
     } else {
         QCOMPARE(delegate.failures, QStringList{"Download of \"K\" Failed: " + failure});
         QCOMPARE(old.readAll(), QByteArray("last good"));

@@ -3,6 +3,7 @@
 
 #include "core/now/NowHistory.h"
 #include "core/now/NowRecorder.h"
+#include "core/now/NowSeriesReducer.h"
 #include "core/settings/Preferences.h"
 
 #include <QDir>
@@ -11,8 +12,8 @@
 #include <QtTest>
 
 // The local history: a later download of the same minute replaces what was kept, old samples
-// go, a damaged database is moved aside and a new one started, and the recorder merges off the
-// main thread.
+// go, a damaged database is moved aside and a new one started, the recorder merges off the
+// main thread, and a series is thinned to a chart's width without losing what it shows.
 class TestNowHistory : public QObject {
     Q_OBJECT
 
@@ -22,6 +23,8 @@ private slots:
     void retention();
     void damagedDatabaseIsMovedAside();
     void recorderMergesAFile();
+    void reduction_data();
+    void reduction();
 
 private:
     static QString values(const NowSamples &samples)
@@ -128,6 +131,42 @@ void TestNowHistory::recorderMergesAFile()
     }
     NowHistory history(_path);
     QCOMPARE(history.samples("kp", "kp", 0, kNow).size(), 1);
+}
+
+void TestNowHistory::reduction_data()
+{
+    // Samples "time:value" over the span 0 to 100, that many columns, the largest gap and the most
+    // segments; the result "time:value", "|" where the line breaks.
+    columns<QString, int, int, int, QString>("samples", "columns", "gap", "most", "expected");
+    const auto row = [](const char *name, const char *samples, int columns, int gap, int most,
+                        const char *expected) {
+        QTest::newRow(name) << QString(samples) << columns << gap << most << QString(expected);
+    };
+    row("a spike keeps its height", "0:1 1:1 2:9 3:1 4:-3 5:1 6:1", 1, 100, 48, "2:9 4:-3");
+    row("equal values, one point", "0:4 1:4 2:4", 1, 100, 48, "0:4");
+    row("column edges, ends included", "-1:5 9:1 10:2 15:2.5 19:3 20:4 100:6 101:7", 10, 100, 48,
+        "9:1 10:2 19:3 20:4 100:6");
+    row("nothing in the span", "-5:1 105:2", 10, 100, 48, "");
+    row("no samples", "", 10, 100, 48, "");
+    row("no columns", "0:1 50:2", 0, 100, 48, "");
+    row("a missing value is skipped", "0:1 1:nan 2:3", 100, 100, 48, "0:1 2:3");
+    row("a gap breaks the line", "0:1 5:2 30:3 35:4", 100, 10, 48, "0:1 5:2 | 30:3 35:4");
+    row("the narrowest gaps bridged", "0:1 5:1 25:1 35:1", 100, 1, 3, "0:1 5:1 | 25:1 | 35:1");
+}
+
+void TestNowHistory::reduction()
+{
+    NowSeriesReducer reducer(0, 100, fetch<int>("columns"), fetch<int>("gap"));
+    for (const QString &sample : fetch<QString>("samples").split(' ', Qt::SkipEmptyParts))
+        reducer.add(sample.section(':', 0, 0).toLongLong(), sample.section(':', 1).toDouble());
+    QStringList segments;
+    for (const NowSeriesReducer::Segment &segment : reducer.segments(fetch<int>("most"))) {
+        QStringList points;
+        for (const QPointF &point : segment)
+            points << QStringLiteral("%1:%2").arg(point.x() / 1000).arg(point.y());
+        segments << points.join(' ');
+    }
+    QCOMPARE(segments.join(" | "), fetch<QString>("expected"));
 }
 
 VANTOREL_TEST_CORE_MAIN(TestNowHistory)

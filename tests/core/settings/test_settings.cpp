@@ -22,18 +22,22 @@ private slots:
         QSettings settings;
         Preferences prefs;
         prefs.loadPreferences(settings);
-        QCOMPARE(values(prefs), QVariantList({0, true, false, false, true, 60.0f, false}));
+        QCOMPARE(values(prefs), QVariantList({0, true, false, false, true, 60.0f, false, 5, "M1", 7,
+                                              false, QTime(22, 0)}));
         QVERIFY(settings.allKeys().isEmpty()); // reading registers nothing
 
         const QStringList keys =
             QStringLiteral("lastView isOnline logErrorsOnly beepOnErrors "
-                           "downloadMissingData timeoutSeconds southernHemisphere")
+                           "downloadMissingData timeoutSeconds southernHemisphere "
+                           "notifyKpThreshold notifyFlareClass notifyMessageFamilies homeLatitude "
+                           "homeLongitude quietHoursStart")
                 .split(' ');
-        const QStringList stored = u"4 0 1 1 0 12.5 1"_s.split(' ');
+        const QStringList stored = u"4 0 1 1 0 12.5 1 7 X1 summaries 60.5 -105 23:30"_s.split(' ');
         for (int i = 0; i < keys.size(); ++i)
             settings.setValue(keys[i], stored[i]);
         prefs.loadPreferences(settings);
-        QCOMPARE(values(prefs), QVariantList({4, false, true, true, false, 12.5f, true}));
+        QCOMPARE(values(prefs), QVariantList({4, false, true, true, false, 12.5f, true, 7, "X1", 8,
+                                              true, QTime(23, 30)}));
         settings.clear();
         prefs.savePreferences(settings);
         for (int i = 0; i < keys.size(); ++i)
@@ -52,11 +56,18 @@ private slots:
         row("missing data list", "downloadMissingData", QStringList{"a"}, 4, false);
         row("timeout garbage", "timeoutSeconds", "soon", 5, 0.0f);
         row("timeout not finite", "timeoutSeconds", "inf", 5, 0.0f);
+        // The notification settings fall back to their defaults instead.
+        row("storm threshold not a choice", "notifyKpThreshold", "3", 7, 5);
+        row("flare class unknown", "notifyFlareClass", "Z9", 8, "M1");
+        row("a family unknown", "notifyMessageFamilies", "warnings storms", 9, 7);
+        row("latitude out of range", "homeLatitude", "95", 10, false);
+        row("quiet hours garbage", "quietHoursStart", "late", 11, QTime(22, 0));
     }
 
     void unreadableValues()
     {
         QSettings settings;
+        settings.setValue("homeLongitude", "10");
         settings.setValue(fetch<QString>("key"), fetch<QVariant>("stored"));
         Preferences prefs;
         prefs.loadPreferences(settings);
@@ -154,7 +165,9 @@ private:
     {
         return QVariantList() << p.lastView() << p.isOnline() << p.logErrorsOnly()
                               << p.beepOnErrors() << p.downloadMissingData() << p.timeoutSeconds()
-                              << p.southernHemisphere();
+                              << p.southernHemisphere() << p.notifications().kpThreshold
+                              << p.notifications().flareClass << p.notifications().families
+                              << p.notifications().hasLocation() << p.notifications().quietStart;
     }
 };
 

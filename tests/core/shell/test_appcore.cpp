@@ -31,11 +31,11 @@ private slots:
     {
         columns<QString, QString>("command", "order");
         QTest::newRow("update all") << "update"
-                                    << "Sun Graphs Aurora Earth Alerts";
+                                    << "Sun Graphs Aurora Earth Alerts Now";
         QTest::newRow("start-up downloads") << "startup"
-                                            << "Sun Aurora Graphs Earth Alerts";
+                                            << "Sun Aurora Graphs Earth Alerts Now";
         QTest::newRow("scheduled updates") << "scheduled"
-                                           << "Sun Aurora Graphs Earth Alerts";
+                                           << "Sun Aurora Graphs Earth Alerts Now";
     }
 
     // Each group's first node has the command's flag, the second none: only the first is fetched.

@@ -2,6 +2,8 @@
 #include "TestEnvironment.h"
 
 #include "core/sources/Node.h"
+#include "core/sources/NodeTimes.h"
+#include "core/util/DisplayTime.h"
 
 // One node apart from its transfer: what it makes of its definition entry, its first status, and
 // its schedule with the texts and settings keys that keep it across restarts.
@@ -9,6 +11,8 @@ class TestNode : public QObject {
     Q_OBJECT
 
 private slots:
+    // Half an hour off UTC and no daylight saving: local times tell themselves from UTC ones.
+    void initTestCase() { qputenv("TZ", "Asia/Kolkata"); }
     void init()
     {
         TestEnvironment::resetState();
@@ -130,6 +134,53 @@ private slots:
         QVERIFY(!node->checkAutoUpdate());
         TestEnvironment::advance(1);
         QVERIFY(node->checkAutoUpdate());
+    }
+
+    // The data's age against "now", 16 Nov 2026 10:01 UTC (15:31 local): the line shown, in UTC
+    // or local time, and why the data is stale, if it is (twice the update interval, or a day
+    // without automatic updates).
+    void dataAge_data()
+    {
+        columns<qint64, bool, int, QString, QString>("age", "utc", "interval", "line", "stale");
+        const auto row = [](const char *name, qint64 age, bool utc, int interval, const char *line,
+                            const char *stale) {
+            QTest::newRow(name) << age << utc << interval << QString::fromUtf8(line)
+                                << QString::fromUtf8(stale);
+        };
+        row("no data", -1, true, 5, "", "");
+        row("just now", 30, true, 5, "Data from 10:00 UTC, just now", "");
+        row("minutes, local time", 720, false, 30, "Data from 15:19, 12 min ago", "");
+        row("exactly twice the interval", 3600, true, 30, "Data from 09:01 UTC, 1 h ago", "");
+        row("past twice the interval", 7800, true, 60, "Data from 07:51 UTC, 2 h 10 min ago",
+            "the data is from 07:51 UTC, 2 h 10 min ago, older than twice its update interval "
+            "(1 h).");
+        row("yesterday in UTC", 50460, true, 0, "Data from Nov 15 20:00 UTC, 14 h 1 min ago", "");
+        row("today in local time", 50460, false, 0, "Data from 01:30, 14 h 1 min ago", "");
+        row("a day, not updated automatically", 86340, true, 0,
+            "Data from Nov 15 10:02 UTC, 23 h 59 min ago", "");
+        row("days, not updated automatically", 273600, true, 0,
+            "Data from Nov 13 06:01 UTC, 3 days 4 h ago",
+            "the data is from Nov 13 06:01 UTC, 3 days 4 h ago, older than a day, and it is not "
+            "updated automatically.");
+        row("another year, local time", 400 * 86400, false, 1440,
+            "Data from Oct 12 2025 15:31, 400 days ago",
+            "the data is from Oct 12 2025 15:31, 400 days ago, older than twice its update "
+            "interval (1 day).");
+    }
+
+    void dataAge()
+    {
+        const QDateTime now(QDate(2026, 11, 16), QTime(10, 1), QTimeZone::utc());
+        const qint64 age = fetch<qint64>("age");
+        const QDateTime data = age < 0 ? QDateTime() : now.addSecs(-age).toLocalTime();
+        // An interval of 0 stands for an item without automatic updates.
+        const int interval = fetch<int>("interval");
+        DisplayTime::setUtc(fetch<bool>("utc"));
+        QCOMPARE(NodeTimes::dataLine(data, now), fetch<QString>("line"));
+        const QString stale = fetch<QString>("stale");
+        QCOMPARE(NodeTimes::staleReason(data, now, interval > 0, interval),
+                 stale.isEmpty() ? stale : "Stale: " + stale);
+        QCOMPARE(NodeTimes::isStale(data, now, interval > 0, interval), !stale.isEmpty());
     }
 
 private:

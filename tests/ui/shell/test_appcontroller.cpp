@@ -1,12 +1,18 @@
 #include "../UiFixture.h"
 #include "TestHttpServer.h"
 
+#include "core/now/NowHistory.h"
+#include "core/now/NowRecorder.h"
+#include "core/shell/AppCore.h"
+#include "core/sources/Node.h"
+#include "core/sources/NodeGroup.h"
 #include "ui/shell/AboutBox.h"
 
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTreeView>
 
@@ -60,6 +66,7 @@ private slots:
         QTest::newRow("Graphs") << 1 << 1;
         QTest::newRow("Alerts") << 4 << 4;
         QTest::newRow("Moon") << 5 << 5;
+        QTest::newRow("Now") << 6 << 6;
         QTest::newRow("7 shows the Sun") << 7 << 0;
         QTest::newRow("-1 shows the Sun") << -1 << 0;
     }
@@ -86,15 +93,31 @@ private slots:
         QCOMPARE(QSettings().value("MoonViewSize") == "{123,45}", shown != 5);
     }
 
-    void emptyCacheAsksFirst_data()
+    // Each asks first; emptying the cache keeps the history, clearing the history keeps the files.
+    void destructiveCommandsAskFirst_data()
     {
-        columns<QString>("answer");
-        QTest::newRow("Cancel changes nothing") << "Cancel";
-        QTest::newRow("Empty deletes every data file") << "Empty";
+        columns<QString, QString, QStringList>("item", "answer", "texts");
+        const QStringList empty{"Do you really want to empty the Vantorel cache?",
+                                "This will require all data to be reloaded before being viewed, "
+                                "and all current downloads will be stopped.",
+                                "Empty"};
+        const QStringList clear{"Do you really want to clear the history?",
+                                "The Now view's charts will lose every value kept from earlier "
+                                "downloads and start again from the data files on disk.",
+                                "Clear"};
+        QTest::newRow("Empty Cache, cancelled") << "Empty Cache…"
+                                                << "Cancel" << empty;
+        QTest::newRow("Empty Cache") << "Empty Cache…"
+                                     << "Empty" << empty;
+        QTest::newRow("Clear History, cancelled") << "Clear History…"
+                                                  << "Cancel" << clear;
+        QTest::newRow("Clear History") << "Clear History…"
+                                       << "Clear" << clear;
     }
 
-    void emptyCacheAsksFirst()
+    void destructiveCommandsAskFirst()
     {
+        QFETCH(QString, item);
         QFETCH(QString, answer);
         _app = startApplication();
         QList<Node *> nodes;
@@ -102,6 +125,9 @@ private slots:
             nodes << group->allNodes().first();
             QVERIFY(TestEnvironment::writeFile(nodes.last()->filePath(), "data"));
         }
+        const QString historyPath = NowHistory::pathInFolder(_app->core()->dataFolderPath());
+        QCOMPARE(NowHistory(historyPath).merge("kp", {{"kp", 1000, 3.0, {}}}, 2000, 400), 1);
+        QSignalSpy cleared(_app->core()->nowRecorder(), &NowRecorder::historyCleared);
         QStringList texts;
         QTimer::singleShot(0, this, [&] {
             auto *alert = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -110,14 +136,13 @@ private slots:
             texts << alert->text() << alert->informativeText() << alert->defaultButton()->text();
             button(alert, answer)->click();
         });
-        menuItem(_app->window(), "Data", "Empty Cache…")->trigger();
-        QCOMPARE(texts,
-                 QStringList({"Do you really want to empty the Vantorel cache?",
-                              "This will require all data to be reloaded before being viewed, "
-                              "and all current downloads will be stopped.",
-                              "Empty"}));
+        menuItem(_app->window(), "Data", item)->trigger();
+        QCOMPARE(texts, fetch<QStringList>("texts"));
+        const bool clearing = answer == "Clear";
+        QVERIFY(!clearing || cleared.wait(10000));
         for (Node *node : nodes)
-            QCOMPARE(node->fileDownloaded(), answer == "Cancel");
+            QCOMPARE(node->fileDownloaded(), answer != "Empty");
+        QCOMPARE(NowHistory(historyPath).samples("kp", "kp", 0, 5000).size(), clearing ? 0 : 1);
     }
 
     void hiddenViewKeepsWorking()

@@ -37,7 +37,9 @@ private slots:
                                    "downloadMissingData,timeoutSeconds,southernHemisphere,"
                                    "MainWindow,ActivityLogWindow,SDO Expanded,SOHO Expanded,"
                                    "Sun LastNodeViewed,AlertsViewSize,lastAlertMenuIndex,"
-                                   "MoonViewSize,toolbar")
+                                   "MoonViewSize,toolbar,notifyKpThreshold,notifyFlareClass,"
+                                   "notifyMessageFamilies,homeLatitude,homeLongitude,quietHours,"
+                                   "quietHoursStart,watchSeenMessages,watchHeldEvents")
                                .split(',');
         for (const QString view : {"Sun", "Graphs", "Aurora", "Earth"})
             keys << view + "ViewSize" << view + "ViewSplitViewRects";
@@ -52,9 +54,9 @@ private slots:
         QVERIFY(window->width() <= std::max(screen.width(), window->minimumSizeHint().width()));
         // An unknown view number shows the Sun; the toolbar falls back to the default set.
         auto *stack = qobject_cast<QStackedWidget *>(window->centralWidget());
-        if (_app->lastView() < 0 || _app->lastView() > 5)
+        if (_app->lastView() < 0 || _app->lastView() > 6)
             QCOMPARE(stack->currentWidget(), _app->sunView());
-        QCOMPARE(window->findChild<QToolBar *>()->actions().size(), 11); // the default eleven
+        QCOMPARE(window->findChild<QToolBar *>()->actions().size(), 12); // the default twelve
         // The Alerts view shows a report: the stored index is clamped into the list.
         FlatGroup *alerts = _app->core()->alertsGroup();
         QVERIFY(alerts->selectedNode());

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QSpinBox>
 #include <QToolBar>
 
@@ -39,6 +40,8 @@ class TestShell : public QObject {
     AppController *_app = nullptr;
 
 private slots:
+    // Hours and a half from UTC: a time shown in UTC cannot pass for a local one.
+    void initTestCase() { qputenv("TZ", "Asia/Kolkata"); }
     void init() { TestEnvironment::resetState(); }
     void cleanup()
     {
@@ -48,12 +51,13 @@ private slots:
 
     void toolbarFollowsTheOnlineState()
     {
-        // A stored toolbar is shown without the items that are unknown or repeated.
+        // A stored toolbar is shown without the items that are unknown or repeated; one stored
+        // before the Now view existed gains it after the Moon.
         QSettings().setValue("isOnline", 0);
         QSettings().setValue("toolbar", QStringList({"Update", "Cancel", "Pluto", "Online",
-                                                     "Offline", "Sun", "Sun"}));
+                                                     "Offline", "Sun", "Sun", "Moon"}));
         _app = startApplication();
-        const QStringList shown{"Update", "Cancel", "Online", "Offline", "Sun"};
+        const QStringList shown{"Update", "Cancel", "Online", "Offline", "Sun", "Moon", "Now"};
         QCOMPARE(toolbar(), shown);
         const auto states = [&] {
             return enabledActions({toolbarItem("Update"), toolbarItem("Cancel"),
@@ -72,8 +76,8 @@ private slots:
     void switchingViews_data()
     {
         columns<int, QString>("number", "name");
-        const QStringList names{"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon"};
-        for (int i = 0; i < 6; ++i)
+        const QStringList names{"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Now"};
+        for (int i = 0; i < 7; ++i)
             QTest::addRow("%s", qPrintable(names[i])) << i << names[i];
     }
     void switchingViews()
@@ -82,8 +86,8 @@ private slots:
         const QString name = fetch<QString>("name");
         _app = startApplication();
         QCOMPARE(toolbar(),
-                 QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "~", "Online",
-                              "Offline", "|", "NSToolbarCustomizeToolbarItem"}));
+                 QStringList({"Sun", "Graphs", "Aurora", "Earth", "Alerts", "Moon", "Now", "~",
+                              "Online", "Offline", "|", "NSToolbarCustomizeToolbarItem"}));
         auto *stack = qobject_cast<QStackedWidget *>(_app->window()->centralWidget());
         const QRect frame = _app->window()->geometry();
         QAction *item = menuItem(_app->window(), "View", name);
@@ -185,6 +189,31 @@ private slots:
         QVERIFY(_app->moonView()->southernHemisphere()); // told at once
         panel->timeoutValueField()->setValue(0);         // no limits of its own
         QCOMPARE(preferences.timeoutSeconds(), 0.0f);
+        // The location typed reaches the watcher's settings once both fields read.
+        QTest::keyClicks(panel->latitudeField(), "60.5");
+        QVERIFY(!preferences.notifications().hasLocation());
+        QTest::keyClicks(panel->longitudeField(), "-105");
+        QCOMPARE(preferences.notifications().longitude, -105.0);
+    }
+
+    // View > Show Times in UTC (on at first) changes the times shown at once, and View >
+    // Appearance the palette; both are remembered.
+    void displayChoices()
+    {
+        QSettings().setValue(Node::lastUpdateKey("RSGA.txt"), "Monday, Nov 16 2026 at 05:57 PM");
+        _app = startApplication();
+        QLabel *shown = _app->alertsView()->nodeLastUpdateField();
+        QCOMPARE(shown->text(), "Last Updated: Monday, Nov 16 2026 at 12:27 PM UTC");
+        menuItem(_app->window(), "View", "Show Times in UTC")->trigger();
+        QCOMPARE(shown->text(), "Last Updated: Monday, Nov 16 2026 at 05:57 PM");
+        const QList<QAction *> appearances =
+            menuItem(_app->window(), "View", "Appearance")->menu()->actions();
+        appearances.last()->trigger(); // Dark
+        QTRY_VERIFY(shown->palette().color(QPalette::Window).lightness() < 128);
+        _app->savePreferences();
+        QCOMPARE(QSettings().value("showTimesInUTC").toInt(), 0);
+        QCOMPARE(QSettings().value("appearance").toInt(), 2);
+        appearances.first()->trigger(); // the desktop's, for the tests that follow
     }
 
     void linkColours()

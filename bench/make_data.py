@@ -13,7 +13,7 @@ What is made, under DATA-FOLDER:
                        logarithmic scale, the spread of real solar images, plots and bulletins)
   www/big/...          five large files, one per group, for the stall measurement
   www/text/RSGA.txt    a real bulletin, for the Alerts view while large transfers run
-  defs-fetch/          definitions naming the 300 files, in five groups
+  defs-fetch/          definitions naming the 300 files, in five groups (and an empty Now group)
   defs-stall/          definitions naming one large file per group (and a bulletin in Alerts)
   curl-*.cfg           the 300 addresses for curl, with where each goes (OUTPUT is a placeholder)
   manifest.json        the files, their groups and sizes
@@ -127,6 +127,12 @@ def make_definitions(data, manifest, port):
             # The report shown in the Alerts view comes first; the large file downloads beside it.
             stall_nodes.insert(0, node("RSGA.txt", "RSGA", f"{base}/text/", "RSGA.txt", 1))
         write_plist(data / "defs-stall" / f"Data{group}.plist", group_root(group, stall_nodes))
+
+    # The Now group's own definitions would send the runs to the providers' servers: it is
+    # defined empty here, so that every figure depends on the loopback server alone. The Now
+    # view's costs have benchmarks of their own (history, nowcharts).
+    for folder in ("defs-fetch", "defs-stall"):
+        write_plist(data / folder / "DataNow.plist", {})
 
     lines = []
     for group in GROUPS:
